@@ -1,0 +1,161 @@
+#pragma once
+// The one record of the program. Every routine reads and writes it through the context;
+// field names are the names the rest of the system uses.
+
+#include <QDateTime>
+#include <QString>
+#include <QtGlobal>
+#include <array>
+
+inline const QString kTitle = QStringLiteral("DELFOR - V3.00");
+inline const QString kOfflineSuffix = QStringLiteral("       Offline");
+
+// Indexes 1..13 of the two colour lists; colours are 0xBBGGRR.
+enum ColourRole {
+    AmbientHColour = 1, AmbientVColour, GridColour, DecadeColour, LimitColour, LossGainColour,
+    SampleColour, MaxholdColour, AverageColour, MemoryColour, QPeakColour, CursorAColour, CursorBColour
+};
+using ColourList = std::array<quint32, 14>; // index 0 unused
+
+ColourList defaultColours();
+
+// Mirrors the analyser's front panel.
+struct AnalyserSettings {
+    float refLevel = -30.0f;
+    float centerFrequency = 500.0f;
+    float attenuator = 10.0f;
+    quint8 dbPerDivision = 10;
+    float unitOffset = 0.0f;
+    quint8 unitSelection = 1;
+    qint16 span = 1000;
+    quint16 bandwidth = 1000;
+    quint8 videoFilter = 0;
+    QString unitName10 = QStringLiteral("dBmW");
+    QString userName9 = QStringLiteral("User");
+    quint8 readMode = 0;
+    quint8 memoryReadMode = 0;
+    quint8 settingsMemory = 1;
+    float tgLevel = -50.0f;
+    quint8 tgOn = 0;
+    quint8 calculationOn = 0;
+};
+
+constexpr int kTraceSize = 2049; // indexes 0..2048; 1..pointCount carry data
+using TraceArray = std::array<qint16, kTraceSize>;
+
+struct TraceStore {
+    TraceArray rawSamples{};
+    TraceArray sampleTrace{};
+    TraceArray averageTrace{};
+    TraceArray maxholdTrace{};
+    TraceArray memoryTrace{};
+    QDateTime sampleTime, averageTime, maxholdTime, memoryTime;
+};
+
+// The chart's window and view switches.
+struct ChartView {
+    float startFrequency = 0.0f;
+    float stopFrequency = 1000.0f;
+    qint16 grafikMin = 1000; // the crossed pair: nothing read yet
+    qint16 grafikMax = -1000;
+    bool zoomOn = false;
+    float zoomStart = 10.0f;
+    float zoomSpan = 10.0f;
+    quint8 logAxis = 0;
+    qint16 showKnownBands = 0; // 0 or -1
+    quint8 paintBusy = 0;
+    float peakFrequency = 0.0f;
+    qint16 peakLevel = -1000;
+    qint32 cursorAX = 100000;
+    qint32 cursorBX = 200000;
+};
+
+// Window geometry kept in setting.def, in twips.
+struct FormGeometry {
+    qint16 grafikWindowState = 0;
+    qint16 grafikLeft = 0;
+    qint16 grafikTop = 0;
+    qint16 grafikWidth = 7200;
+    qint16 grafikHeight = 7200;
+    qint16 levelmeterLeft = 7300;
+    qint16 levelmeterTop = 0;
+    qint16 levelmeterWindowState = 0;
+};
+
+struct AppState {
+    AnalyserSettings analyser;
+    TraceStore traces;
+    ChartView chart;
+    FormGeometry geometry;
+
+    // Link state
+    qint16 online = 0;
+    qint16 autoReadOn = 0;
+    quint8 autoReading = 0;
+    quint8 serialError = 0;
+    quint8 busy = 0;
+    quint8 autosearchActive = 0;
+    quint8 unitFound = 0;
+    qint16 comPort = 2;
+    qint32 baudRate = 19200;
+    quint8 serialTimeoutSeconds = 4;
+    quint8 transmissionMonitorOn = 0;
+    qint16 noiseValue = 50;
+    quint8 debugClickCount = 0;
+    float maxCenterFrequency = 1050.0f;
+    qint16 hasTrackingGenerator = 0;
+    quint8 uncalibratedFlag = 0;
+    QString errorText;
+    QString unitModel;
+    QString firmwareVersion;
+    QString lastCommand;
+    QString lastReply;
+    quint8 sendAttempt = 0;
+    quint8 echoAttempt = 0;
+    float commTimerStart = 0.0f;
+
+    // Traces
+    qint32 pointCount = 2001;
+    quint8 repaintRequest = 0;
+    quint8 traceTarget = 0;
+    quint8 correctionOn = 0;
+    quint8 traceFrozen = 0;
+    quint8 viewMemoryB = 1, viewSample = 1, viewAverage = 1, viewQPeak = 1;
+    quint8 viewMaxhold = 0, viewMemoryAB = 0;
+    quint8 viewLimitAverage = 0, viewLimitMax = 0;
+    QString unitName = QStringLiteral("dBmW");
+    QString configName = QStringLiteral("Not set");
+    QString emcTestName;
+    QString notes = QStringLiteral(" ");
+
+    // Modes and runs
+    quint8 emcMode = 0;
+    qint16 emcRunActive = 0;
+    quint8 emcStopRequest = 0;
+    qint16 modeSwitchSettingsPrompt = 0;
+    qint32 timer3Ticks = 0;
+
+    quint8 decimalChar = 46;
+    float tauf30 = 2, tauf1000 = 2, tent30 = 320, tent1000 = 1100;
+    float databaseVersion = 1.0f;
+    QString databasePath;
+    QString measurementFileName;
+
+    float triggerLevel = -30.0f;
+    quint8 triggerOn = 0;
+    quint8 printAfterTrigger = 0;
+
+    qint32 autostoreInterval = 60;
+    QString autostoreFile;
+    quint8 autostoreOn = 0;
+    quint8 autostorePrint = 0;
+    qint32 autostoreCounter = 0;
+
+    QString headline = QStringLiteral("QUELT Instruments");
+
+    ColourList screenColours = defaultColours();
+    ColourList printColours = defaultColours();
+};
+
+// Text fields use the locale's decimal character: 44 where a number formats with a comma, else 46.
+quint8 localeDecimalChar();

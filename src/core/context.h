@@ -1,0 +1,56 @@
+#pragma once
+// The one context of the program: it owns the state and the platform parts, and routines
+// reach each other through it. A test builds a fresh one with test backends.
+
+#include "core/app_state.h"
+#include "core/frame_controls.h"
+#include "core/platform.h"
+
+#include <functional>
+#include <memory>
+
+struct Platform {
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<Prompts> prompts;
+    std::unique_ptr<SerialPort> port;
+};
+
+// Entry points of subsystems that sit above the core; the program wires them when it is assembled.
+struct SubsystemCalls {
+    std::function<void()> openWorkingDatabase;
+    std::function<void()> enterNormalMode;
+    std::function<void()> enterEmcMode;
+    std::function<void()> clearTraces;
+};
+
+class Context {
+    Platform platform_; // first: the references below point into it
+
+public:
+    explicit Context(Platform platform);
+    Context(const Context &) = delete;
+    Context &operator=(const Context &) = delete;
+
+    AppState state;
+    Clock &clock;
+    Prompts &prompts;
+    SerialPort &port;
+    SubsystemCalls calls;
+
+    FrameControls &frame() { return *frame_; }
+    // The main frame attaches itself when it is created; until then the controls are kept off screen.
+    void attachFrame(FrameControls *frame) { frame_ = frame ? frame : &offscreenFrame_; }
+
+    // Folder of setting.def and the databases.
+    QString dataFolder;
+
+private:
+    FrameControls offscreenFrame_;
+    FrameControls *frame_ = &offscreenFrame_;
+};
+
+// Hourglass pointer and the flag `busy`.
+void setBusy(Context &ctx);
+void clearBusy(Context &ctx);
+// The status caption: the title with "       Offline".
+QString offlineCaption();
