@@ -1,0 +1,86 @@
+#include <QProcess>
+#include <QTest>
+
+namespace {
+struct Run {
+    int exitCode;
+    QString out;
+    QString err;
+};
+
+Run cli(const QStringList &args)
+{
+    QProcess p;
+    p.start(qEnvironmentVariable("DELFOR_BIN") + "/delfor-cli", args);
+    if (!p.waitForFinished(20000))
+        return {-1, {}, "did not finish"};
+    return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()),
+            QString::fromLocal8Bit(p.readAllStandardError())};
+}
+} // namespace
+
+class CliIdentifyTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void identifiesSimulatedModel_data();
+    void identifiesSimulatedModel();
+    void refusesBadArguments_data();
+    void refusesBadArguments();
+    void missingPortIsOpenError();
+};
+
+void CliIdentifyTest::identifiesSimulatedModel_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("model");
+    QTest::newRow("default model") << QStringList{"identify", "--simulate"} << "K320-A";
+    QTest::newRow("K550-B at 115200") << QStringList{"identify", "--simulate=K550-B", "--baud", "115200"} << "K550-B";
+    QTest::newRow("K310-A") << QStringList{"--simulate=K310-A", "identify", "--timeout", "1"} << "K310-A";
+}
+
+void CliIdentifyTest::identifiesSimulatedModel()
+{
+    QFETCH(QStringList, args);
+    QFETCH(QString, model);
+    const Run r = cli(args);
+    QCOMPARE(r.err, QString());
+    QCOMPARE(r.out, "model: " + model + "\nfirmware: 1.40\n");
+    QCOMPARE(r.exitCode, 0);
+}
+
+void CliIdentifyTest::refusesBadArguments_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("no command") << QStringList{} << "no command given";
+    QTest::newRow("unknown command") << QStringList{"fly"} << "unknown command: fly";
+    QTest::newRow("odd baud") << QStringList{"identify", "--simulate", "--baud", "1234"} << "baud rate must be";
+    QTest::newRow("no baud value") << QStringList{"identify", "--baud"} << "baud rate must be";
+    QTest::newRow("timeout zero") << QStringList{"identify", "--timeout", "0"} << "timeout must be";
+    QTest::newRow("unknown model") << QStringList{"identify", "--simulate=K999"} << "unknown model: K999";
+    QTest::newRow("both ports") << QStringList{"identify", "--simulate", "--port", "/dev/null"} << "exclude each other";
+    QTest::newRow("stray option") << QStringList{"identify", "--fast"} << "unknown argument: --fast";
+}
+
+void CliIdentifyTest::refusesBadArguments()
+{
+    QFETCH(QStringList, args);
+    QFETCH(QString, message);
+    const Run r = cli(args);
+    QCOMPARE(r.exitCode, 1);
+    QVERIFY2(r.err.contains(message), qPrintable(r.err));
+    QVERIFY(r.err.contains("usage: delfor-cli identify"));
+    QCOMPARE(r.out, QString());
+}
+
+void CliIdentifyTest::missingPortIsOpenError()
+{
+    const Run r = cli({"identify", "--port", "/dev/delfor-no-such-port"});
+    QCOMPARE(r.exitCode, 1);
+    QCOMPARE(r.err, QString("Serial - Error: Can not open com. port\n"));
+    QCOMPARE(r.out, QString());
+}
+
+QTEST_GUILESS_MAIN(CliIdentifyTest)
+#include "cli_identify_test.moc"
