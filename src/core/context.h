@@ -21,6 +21,10 @@ struct SubsystemCalls {
     std::function<void()> enterNormalMode;
     std::function<void()> enterEmcMode;
     std::function<void()> clearTraces;
+    // The panel's lists, redisplayed after the analyser's settings were read.
+    std::function<void()> refreshUnits;
+    std::function<void()> refreshLimits;
+    std::function<void()> refreshConfiguration;
 };
 
 class Context {
