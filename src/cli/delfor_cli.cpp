@@ -1,0 +1,123 @@
+// delfor-cli: the headless companion over the same link code as the program.
+
+#include "cli/console_prompts.h"
+#include "core/clock.h"
+#include "link/discovery.h"
+#include "link/qt_serial_port.h"
+#include "link/serial_link.h"
+#include "sim/simulated_port.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+const char kUsage[] =
+    "usage: delfor-cli identify [--port DEVICE | --simulate[=MODEL]] [--baud RATE] [--timeout SECONDS]\n";
+
+struct Options {
+    QString command;
+    QString device;
+    std::optional<QString> simulatedModel;
+    qint32 baud = 19200;
+    int timeout = 4;
+};
+
+int fail(const QString &message)
+{
+    std::fprintf(stderr, "delfor-cli: %s\n", qPrintable(message));
+    return 1;
+}
+
+// Reads the command line; an error text when it cannot be used.
+std::optional<Options> parseOptions(const QStringList &args, QString &error)
+{
+    Options o;
+    for (int i = 1; i < args.size(); ++i) {
+        const QString &arg = args[i];
+        const auto value = [&]() -> QString { return i + 1 < args.size() ? args[++i] : QString(); };
+        if (arg == "--port")
+            o.device = value();
+        else if (arg == "--simulate")
+            o.simulatedModel = QStringLiteral("K320-A");
+        else if (arg.startsWith("--simulate="))
+            o.simulatedModel = arg.mid(11);
+        else if (arg == "--baud")
+            o.baud = value().toInt();
+        else if (arg == "--timeout")
+            o.timeout = value().toInt();
+        else if (o.command.isEmpty() && !arg.startsWith('-'))
+            o.command = arg;
+        else
+            error = "unknown argument: " + arg;
+    }
+    if (error.isEmpty() && o.command != "identify")
+        error = o.command.isEmpty() ? "no command given" : "unknown command: " + o.command;
+    if (error.isEmpty() && std::find(std::begin(kBaudRates), std::end(kBaudRates), o.baud) == std::end(kBaudRates))
+        error = "baud rate must be 4800, 9600, 19200, 38400 or 115200";
+    if (error.isEmpty() && (o.timeout < 1 || o.timeout > 255))
+        error = "timeout must be 1 to 255 seconds";
+    if (error.isEmpty() && o.simulatedModel && !findUnitModel(*o.simulatedModel))
+        error = "unknown model: " + *o.simulatedModel + " (K310-A, K320-A or K550-B)";
+    if (error.isEmpty() && o.simulatedModel && !o.device.isEmpty())
+        error = "--port and --simulate exclude each other";
+    if (!error.isEmpty())
+        return std::nullopt;
+    return o;
+}
+
+// A context on the chosen port: the built-in simulator runs on virtual time, a real port on the clock.
+std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
+{
+    Platform platform;
+    platform.prompts = std::make_unique<ConsolePrompts>();
+    if (o.simulatedModel) {
+        analyser.model = *o.simulatedModel;
+        auto clock = std::make_unique<VirtualClock>(QDateTime::currentDateTime());
+        platform.port = std::make_unique<SimulatedPort>(analyser, *clock);
+        platform.clock = std::move(clock);
+    } else {
+        auto port = std::make_unique<QtSerialPort>();
+        QStringList paths = loadDevicePaths();
+        if (!o.device.isEmpty())
+            paths[0] = o.device;
+        port->setDevicePaths(paths);
+        platform.port = std::move(port);
+        platform.clock = std::make_unique<SystemClock>();
+    }
+    auto ctx = std::make_unique<Context>(std::move(platform));
+    ctx->state.comPort = o.simulatedModel ? 0 : 1;
+    ctx->state.baudRate = o.baud;
+    ctx->state.serialTimeoutSeconds = quint8(o.timeout);
+    return ctx;
+}
+
+int identify(Context &ctx)
+{
+    connectUnit(ctx);
+    if (ctx.state.online != 1)
+        return 1; // the error box has told why
+    std::printf("model: %s\nfirmware: %s\n", qPrintable(ctx.state.unitModel), qPrintable(ctx.state.firmwareVersion));
+    std::fflush(stdout);
+    goLocal(ctx);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("delfor"));
+    QCoreApplication::setApplicationName(QStringLiteral("delfor"));
+    QString error;
+    const auto options = parseOptions(app.arguments(), error);
+    if (!options) {
+        std::fputs(kUsage, stderr);
+        return fail(error);
+    }
+    Analyser analyser;
+    const auto ctx = openContext(*options, analyser);
+    return identify(*ctx);
+}

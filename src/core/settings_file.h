@@ -1,0 +1,11 @@
+#pragma once
+// setting.def: window geometry, mode, port, database path, colours and the known-bands flag,
+// kept between runs in a 335-byte little-endian file in the data folder.
+
+#include "core/context.h"
+
+// Reads setting.def at start-up. A missing, unreadable or foreign file gives the box
+// "Load default settings" and the defaults; a short file is taken as far as it goes.
+void readSettingsFile(Context &ctx);
+// Asks "Save default settings?" and, on Yes, writes the file with the geometry of this run.
+void writeSettingsFile(Context &ctx);

@@ -1,0 +1,265 @@
+#include "core/clock.h"
+#include "core/scripted_prompts.h"
+#include "core/settings_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtEndian>
+
+namespace {
+
+// The settings file never touches the port.
+class NoPort : public SerialPort {
+public:
+    void setPortNumber(int) override {}
+    int portNumber() const override { return 0; }
+    bool setSettings(const QString &) override { return true; }
+    bool open() override { return false; }
+    void close() override {}
+    bool isOpen() const override { return false; }
+    int bytesWaiting() override { return 0; }
+    void discardInput() override {}
+    void discardOutput() override {}
+    bool writeByte(char) override { return false; }
+    QByteArray readByte() override { return {}; }
+    void waitForInput(int, double) override {}
+};
+
+// Forms that report the geometry they stand at, as the main frame does at the exit.
+class FormsAt : public FrameControls {
+public:
+    void takeFormGeometry(FormGeometry &g) override
+    {
+        ++asked;
+        g = geometry;
+    }
+    FormGeometry geometry;
+    int asked = 0;
+};
+
+struct Fixture {
+    explicit Fixture(const QString &folder)
+        : prompts(new ScriptedPrompts),
+          ctx(Platform{std::make_unique<VirtualClock>(), std::unique_ptr<Prompts>(prompts), std::make_unique<NoPort>()})
+    {
+        ctx.dataFolder = folder;
+    }
+    ScriptedPrompts *prompts;
+    Context ctx;
+};
+
+const QString kLoadBox = QStringLiteral("Load default settings|Generate new default settings");
+
+template <typename T>
+void put(QByteArray &image, int offset, T value)
+{
+    qToLittleEndian(value, image.data() + offset);
+}
+
+// A 335-byte image built at the offsets of the file's layout, independent of the code under test.
+QByteArray handBuiltImage(const QByteArray &magic, qint16 comPort, qint32 baudRate, const QByteArray &path)
+{
+    QByteArray image(335, '\0');
+    image.replace(0, 5, magic);
+    image[5] = 0;
+    put<qint16>(image, 6, 0);    // grafik window state
+    put<qint16>(image, 8, 120);  // grafik left
+    put<qint16>(image, 10, 240); // grafik top
+    put<qint16>(image, 12, 9000);
+    put<qint16>(image, 14, 6000);
+    put<qint16>(image, 16, -300); // levelmeter left
+    put<qint16>(image, 18, 500);
+    put<qint16>(image, 20, 2); // levelmeter window state
+    image[22] = 2;             // emcMode
+    put<qint16>(image, 23, comPort);
+    put<qint32>(image, 25, baudRate);
+    image.replace(29, 200, path.leftJustified(200, ' '));
+    for (int i = 0; i < 13; ++i) {
+        put<quint32>(image, 229 + 4 * i, 0x010203u * (i + 1));
+        put<quint32>(image, 281 + 4 * i, 0xFF0000u - quint32(i));
+    }
+    put<qint16>(image, 333, -1); // showKnownBands
+    return image;
+}
+
+// The state that handBuiltImage describes, set the way the program would hold it.
+void setStateOfImage(AppState &s, FormGeometry &formsNow, qint16 comPort, qint32 baudRate, const QString &path)
+{
+    formsNow = {0, 120, 240, 9000, 6000, -300, 500, 2};
+    s.emcMode = 2;
+    s.comPort = comPort;
+    s.baudRate = baudRate;
+    s.databasePath = path;
+    for (int i = 0; i < 13; ++i) {
+        s.screenColours[i + 1] = 0x010203u * (i + 1);
+        s.printColours[i + 1] = 0xFF0000u - quint32(i);
+    }
+    s.chart.showKnownBands = -1;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<none>");
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+}
+
+} // namespace
+
+class SettingsFileTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void writtenFileHasTheLayoutAndReadsBack();
+    void readTakesWhatTheFileHolds_data();
+    void readTakesWhatTheFileHolds();
+    void answeringNoLeavesTheFile();
+    void unwritableFileGivesEmptyBox();
+};
+
+void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath("setting.def");
+    writeFile(file, QByteArray(400, 'x')); // a longer file keeps its tail
+
+    Fixture out(dir.path());
+    FormsAt forms;
+    out.ctx.attachFrame(&forms);
+    // Port 5 after a search without result is written like any other; the path is Latin-1.
+    setStateOfImage(out.ctx.state, forms.geometry, 5, 115200, QString::fromLatin1("/home/j\xF6rg/default.sqlite"));
+    out.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
+    writeSettingsFile(out.ctx);
+
+    QCOMPARE(forms.asked, 1);
+    QCOMPARE(out.prompts->messages(), QStringList{"Exit Program|Save default settings?"});
+    const QByteArray expected = handBuiltImage("def04", 5, 115200, "/home/j\xF6rg/default.sqlite");
+    const QByteArray written = contents(file);
+    QCOMPARE(written.size(), 400);
+    for (int offset = 0; offset < 335; ++offset)
+        QVERIFY2(written[offset] == expected[offset], qPrintable(QString("byte %1 differs").arg(offset)));
+    QCOMPARE(written.mid(335), QByteArray(65, 'x'));
+
+    Fixture in(dir.path());
+    readSettingsFile(in.ctx);
+    QVERIFY(in.prompts->shown.isEmpty());
+    const AppState &a = in.ctx.state, &b = out.ctx.state;
+    const FormGeometry &g = a.geometry;
+    QCOMPARE((QList<qint16>{g.grafikWindowState, g.grafikLeft, g.grafikTop, g.grafikWidth, g.grafikHeight,
+                            g.levelmeterLeft, g.levelmeterTop, g.levelmeterWindowState}),
+             (QList<qint16>{0, 120, 240, 9000, 6000, -300, 500, 2}));
+    QCOMPARE(a.emcMode, b.emcMode);
+    QCOMPARE(a.comPort, qint16(5));
+    QCOMPARE(a.baudRate, 115200);
+    QCOMPARE(a.databasePath, b.databasePath);
+    QVERIFY(a.screenColours == b.screenColours);
+    QVERIFY(a.printColours == b.printColours);
+    QCOMPARE(a.chart.showKnownBands, qint16(-1));
+}
+
+void SettingsFileTest::readTakesWhatTheFileHolds_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("box");
+    QTest::addColumn<qint16>("comPort");
+    QTest::addColumn<qint32>("baudRate");
+    QTest::addColumn<quint8>("emcMode");
+    QTest::addColumn<QString>("databasePath"); // "*" is the default in the data folder
+    QTest::addColumn<qint16>("grafikWidth");
+    QTest::addColumn<quint32>("gridColour");
+
+    const QByteArray good = handBuiltImage("def04", 4, 38400, "/data/x.sqlite");
+    const quint32 defaultGrid = defaultColours()[GridColour];
+    const quint32 fileGrid = 0x010203u * GridColour;
+    // Before each read the state holds comPort 3, baudRate 4800, emcMode 0, the path "before"
+    // and grafikWidth 100, so "left as it was" shows.
+    QTest::newRow("missing") << false << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+                             << qint16(7200) << defaultGrid;
+    QTest::newRow("empty") << true << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+                           << qint16(7200) << defaultGrid;
+    QTest::newRow("shorter than the magic") << true << QByteArray("def0") << true << qint16(2) << 19200
+                                            << quint8(0) << "*" << qint16(7200) << defaultGrid;
+    QTest::newRow("foreign magic") << true << handBuiltImage("def03", 4, 38400, "/data/x.sqlite") << true
+                                   << qint16(2) << 19200 << quint8(0) << "*" << qint16(7200) << defaultGrid;
+    QTest::newRow("short, ends inside baudRate") << true << good.left(27) << false << qint16(4) << 4800
+                                                 << quint8(2) << "before" << qint16(9000) << defaultGrid;
+    QTest::newRow("short, ends inside the colours") << true << good.left(243) << false << qint16(4) << 38400
+                                                    << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
+    QTest::newRow("whole") << true << good << false << qint16(4) << 38400 << quint8(2) << "/data/x.sqlite"
+                           << qint16(9000) << fileGrid;
+    QTest::newRow("longer, tail ignored") << true << good + QByteArray(1000, '\xFF') << false << qint16(4) << 38400
+                                          << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
+}
+
+void SettingsFileTest::readTakesWhatTheFileHolds()
+{
+    QFETCH(bool, exists);
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, box);
+    QFETCH(qint16, comPort);
+    QFETCH(qint32, baudRate);
+    QFETCH(quint8, emcMode);
+    QFETCH(QString, databasePath);
+    QFETCH(qint16, grafikWidth);
+    QFETCH(quint32, gridColour);
+
+    QTemporaryDir dir;
+    const QString file = dir.filePath("setting.def");
+    if (exists)
+        writeFile(file, bytes);
+    Fixture f(dir.path());
+    AppState &s = f.ctx.state;
+    s.comPort = 3;
+    s.baudRate = 4800;
+    s.databasePath = "before";
+    s.geometry.grafikWidth = 100;
+    readSettingsFile(f.ctx);
+
+    QCOMPARE(f.prompts->messages(), box ? QStringList{kLoadBox} : QStringList{});
+    QCOMPARE(s.comPort, comPort);
+    QCOMPARE(s.baudRate, baudRate);
+    QCOMPARE(s.emcMode, emcMode);
+    QCOMPARE(s.databasePath, databasePath == "*" ? dir.path() + "/default.sqlite" : databasePath);
+    QCOMPARE(s.geometry.grafikWidth, grafikWidth);
+    QCOMPARE(s.screenColours[GridColour], gridColour);
+    // A missing file is created empty by the read, so the next start finds an empty file.
+    QCOMPARE(contents(file), exists ? bytes : QByteArray());
+}
+
+void SettingsFileTest::answeringNoLeavesTheFile()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath("setting.def");
+    writeFile(file, "old contents");
+    Fixture f(dir.path());
+    FormsAt forms;
+    f.ctx.attachFrame(&forms);
+    f.prompts->answerMessage("Exit Program", MsgAnswer::No);
+    writeSettingsFile(f.ctx);
+    QCOMPARE(contents(file), QByteArray("old contents"));
+    QCOMPARE(forms.asked, 0);
+}
+
+void SettingsFileTest::unwritableFileGivesEmptyBox()
+{
+    QTemporaryDir dir;
+    QVERIFY(QDir(dir.path()).mkdir("setting.def")); // a folder where the file should be
+    Fixture f(dir.path());
+    readSettingsFile(f.ctx);
+    f.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
+    writeSettingsFile(f.ctx);
+    QCOMPARE(f.prompts->messages(), (QStringList{kLoadBox, "Exit Program|Save default settings?", "|"}));
+    QCOMPARE(f.ctx.state.comPort, qint16(2));
+}
+
+QTEST_GUILESS_MAIN(SettingsFileTest)
+#include "settings_file_test.moc"
