@@ -1,0 +1,93 @@
+#include "core/app.h"
+
+#include "core/clock.h"
+#include "core/prompts_form.h"
+#include "core/settings_file.h"
+#include "link/port_selector.h"
+#include "link/qt_serial_port.h"
+#include "link/serial_link.h"
+#include "signal/trace_store.h"
+#include "sim/simulated_port.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+// The simulator answers no faster than this on the real clock, as a unit on a line would.
+constexpr double kSimulatorReplyLatency = 0.02;
+
+void setDefaults(Context &ctx)
+{
+    ctx.state = AppState();
+    ctx.state.autostoreFile = ctx.dataFolder + QStringLiteral("/AutomessXXX.mes");
+    ctx.state.decimalChar = localeDecimalChar();
+    ctx.frame().setCaption(offlineCaption());
+}
+
+void enterStoredMode(Context &ctx)
+{
+    const auto &enter = ctx.state.emcMode > 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode;
+    if (enter)
+        enter();
+}
+
+} // namespace
+
+void loadMainFrame(Context &ctx)
+{
+    // Nothing is unpacked on a first start and no restart is needed: the data folder is made
+    // when it is missing, and the databases are written out from the program itself.
+    QDir().mkpath(ctx.dataFolder);
+    setDefaults(ctx);
+    readSettingsFile(ctx);
+    if (ctx.calls.openWorkingDatabase)
+        ctx.calls.openWorkingDatabase();
+    openStartupPort(ctx);
+    enterStoredMode(ctx);
+    if (ctx.calls.clearTraces)
+        ctx.calls.clearTraces();
+    ctx.state.repaintRequest = 1;
+}
+
+void unloadMainFrame(Context &ctx)
+{
+    writeSettingsFile(ctx);
+    if (ctx.port.isOpen())
+        ctx.port.close();
+}
+
+void openStartupPort(Context &ctx)
+{
+    if (ctx.port.isOpen())
+        ctx.port.close();
+    ctx.port.setPortNumber(ctx.state.comPort);
+    ctx.port.setSettings(lineSettings(4800));
+    // No unit is contacted here; a port that will not open shows only when a connect is tried.
+    if (ctx.port.open())
+        ctx.port.discardInput();
+}
+
+bool fileExists(const QString &path)
+{
+    QCoreApplication::processEvents();
+    return !path.isEmpty() && QFileInfo::exists(path);
+}
+
+std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
+{
+    auto program = std::make_unique<Program>(Program{Analyser(simulatorModel), nullptr});
+    auto clock = std::make_unique<SystemClock>();
+    auto simulated = std::make_unique<SimulatedPort>(program->simulator, *clock, kSimulatorReplyLatency);
+    auto real = std::make_unique<QtSerialPort>();
+    real->setDevicePaths(loadDevicePaths());
+    auto port = std::make_unique<PortSelector>(std::move(simulated), std::move(real));
+    program->ctx = std::make_unique<Context>(
+        Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
+    program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    Context &ctx = *program->ctx;
+    ctx.calls.clearTraces = [&ctx] { clearTraces(ctx); };
+    return program;
+}

@@ -1,0 +1,136 @@
+#include "core/prompts_form.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+
+namespace {
+
+QMessageBox::StandardButtons standardButtons(MsgButtons buttons)
+{
+    switch (buttons) {
+    case MsgButtons::Ok:
+        return QMessageBox::Ok;
+    case MsgButtons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
+    case MsgButtons::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    case MsgButtons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    }
+    return QMessageBox::Ok;
+}
+
+// Overwrite prompt of a save dialog.
+constexpr int kOverwritePrompt = 0x2;
+
+std::optional<QString> runFileDialog(const FileDialogRequest &request, QFileDialog::AcceptMode mode)
+{
+    QFileDialog dialog(QApplication::activeWindow(), request.title);
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    if (mode == QFileDialog::AcceptSave && !(request.flags & kOverwritePrompt))
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    const QStringList filters = nameFilters(request.filter);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        dialog.selectNameFilter(filters.value(request.filterIndex - 1, filters.first()));
+    }
+    dialog.setDefaultSuffix(request.defaultExtension);
+    if (!request.fileName.isEmpty())
+        dialog.selectFile(request.fileName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().first();
+}
+
+// "*.MES" -> "*.MES *.mes"
+QString bothCases(const QString &patterns)
+{
+    QStringList out;
+    for (const QString &pattern : patterns.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        for (const QString &variant : {pattern, pattern.toLower(), pattern.toUpper()})
+            if (!out.contains(variant))
+                out.append(variant);
+    return out.join(QLatin1Char(' '));
+}
+
+} // namespace
+
+QStringList nameFilters(const QString &filter)
+{
+    const QStringList parts = filter.split(QLatin1Char('|'));
+    QStringList out;
+    for (int i = 0; i + 1 < parts.size(); i += 2) {
+        const QString pattern = parts[i + 1].trimmed().replace(QLatin1Char(';'), QLatin1Char(' '));
+        if (pattern.isEmpty())
+            continue;
+        // The description carries its own pattern in brackets; the pattern after it is the one that counts.
+        QString description = parts[i].section(QLatin1Char('('), 0, 0).trimmed();
+        if (description.isEmpty())
+            description = pattern;
+        out.append(description + QStringLiteral(" (") + bothCases(pattern) + QLatin1Char(')'));
+    }
+    return out;
+}
+
+QColor colourFromBgr(quint32 bgr)
+{
+    return QColor(int(bgr & 0xFF), int((bgr >> 8) & 0xFF), int((bgr >> 16) & 0xFF));
+}
+
+quint32 bgrFromColour(const QColor &colour)
+{
+    return quint32(colour.red()) | quint32(colour.green()) << 8 | quint32(colour.blue()) << 16;
+}
+
+MsgAnswer QtPrompts::messageBox(const QString &title, const QString &text, MsgButtons buttons)
+{
+    QMessageBox box(QMessageBox::NoIcon, title, text, standardButtons(buttons), QApplication::activeWindow());
+    switch (box.exec()) {
+    case QMessageBox::Ok:
+        return MsgAnswer::Ok;
+    case QMessageBox::Yes:
+        return MsgAnswer::Yes;
+    case QMessageBox::No:
+        return MsgAnswer::No;
+    default: // closed without a button
+        return buttons == MsgButtons::YesNo ? MsgAnswer::No
+               : buttons == MsgButtons::Ok  ? MsgAnswer::Ok
+                                            : MsgAnswer::Cancel;
+    }
+}
+
+QString QtPrompts::inputBox(const QString &title, const QString &prompt, const QString &defaultText)
+{
+    bool ok = false;
+    const QString text = QInputDialog::getText(QApplication::activeWindow(), title, prompt, QLineEdit::Normal,
+                                               defaultText, &ok);
+    return ok ? text : QString();
+}
+
+std::optional<QString> QtPrompts::openFileDialog(const FileDialogRequest &request)
+{
+    return runFileDialog(request, QFileDialog::AcceptOpen);
+}
+
+std::optional<QString> QtPrompts::saveFileDialog(const FileDialogRequest &request)
+{
+    return runFileDialog(request, QFileDialog::AcceptSave);
+}
+
+std::optional<quint32> QtPrompts::colourDialog(quint32 initial)
+{
+    const QColor chosen = QColorDialog::getColor(colourFromBgr(initial), QApplication::activeWindow());
+    if (!chosen.isValid())
+        return std::nullopt;
+    return bgrFromColour(chosen);
+}
+
+bool QtPrompts::printerSetup()
+{
+    // No printer can be set up yet: the program has no print support so far.
+    return false;
+}

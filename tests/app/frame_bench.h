@@ -1,0 +1,49 @@
+#pragma once
+// The main frame on a simulated analyser: virtual time, scripted prompts, a temporary data folder.
+
+#include "core/app.h"
+#include "core/main_frame.h"
+#include "signal/trace_store.h"
+#include "support/sim_bench.h"
+
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+struct FrameBench {
+    explicit FrameBench(const QString &model = QStringLiteral("K320-A")) : sim(model)
+    {
+        ctx().dataFolder = folder.path() + QStringLiteral("/delfor");
+        Context &c = ctx();
+        c.calls.clearTraces = [&c] { clearTraces(c); };
+        frame = std::make_unique<MainFrame>(c);
+        frame->show();
+        if (!QTest::qWaitForWindowExposed(frame.get()))
+            qWarning("main frame not exposed");
+    }
+
+    // Start-up as the program runs it; the settings box of a first start is a plain box.
+    void start() { loadMainFrame(ctx()); }
+
+    template <typename T> T *find(const QString &name) const
+    {
+        T *found = frame->findChild<T *>(name);
+        if (!found)
+            qWarning("no control %s", qPrintable(name));
+        return found;
+    }
+    void click(const QString &name) const { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
+    void trigger(const QString &name) const { find<QAction>(name)->trigger(); }
+
+    Context &ctx() { return *sim.ctx; }
+    AppState &state() { return sim.state(); }
+    ScriptedPrompts &prompts() { return *sim.prompts; }
+    QString settingsPath() const { return folder.path() + QStringLiteral("/delfor/setting.def"); }
+
+    QTemporaryDir folder;
+    SimBench sim;
+    std::unique_ptr<MainFrame> frame;
+};
+
+inline const QString kOffline = QStringLiteral("DELFOR - V3.00       Offline");
