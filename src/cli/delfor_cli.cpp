@@ -5,7 +5,11 @@
 #include "link/discovery.h"
 #include "link/qt_serial_port.h"
 #include "link/serial_link.h"
+#include "link/commands.h"
+#include "signal/trace_store.h"
 #include "sim/simulated_port.h"
+
+#include <QFile>
 
 #include <QCoreApplication>
 #include <cstdio>
@@ -14,7 +18,10 @@
 namespace {
 
 const char kUsage[] =
-    "usage: delfor-cli identify [--port DEVICE | --simulate[=MODEL]] [--baud RATE] [--timeout SECONDS]\n";
+    "usage: delfor-cli identify [--port DEVICE | --simulate[=MODEL]] [--baud RATE] [--timeout SECONDS]\n"
+    "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n";
+
+const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
 struct Options {
     QString command;
@@ -22,6 +29,8 @@ struct Options {
     std::optional<QString> simulatedModel;
     qint32 baud = 19200;
     int timeout = 4;
+    QStringList traces{"sample"};
+    QString csv = QStringLiteral("-");
 };
 
 int fail(const QString &message)
@@ -47,13 +56,22 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
             o.baud = value().toInt();
         else if (arg == "--timeout")
             o.timeout = value().toInt();
+        else if (arg == "--traces")
+            o.traces = value().split(',', Qt::SkipEmptyParts);
+        else if (arg == "--csv")
+            o.csv = value();
         else if (o.command.isEmpty() && !arg.startsWith('-'))
             o.command = arg;
         else
             error = "unknown argument: " + arg;
     }
-    if (error.isEmpty() && o.command != "identify")
+    if (error.isEmpty() && o.command != "identify" && o.command != "read")
         error = o.command.isEmpty() ? "no command given" : "unknown command: " + o.command;
+    for (const QString &trace : o.traces)
+        if (error.isEmpty() && !kTraceNames.contains(trace))
+            error = "unknown trace: " + trace + " (sample, average, maxhold or memory)";
+    if (error.isEmpty() && (o.traces.isEmpty() || o.csv.isEmpty()))
+        error = "--traces and --csv need a value";
     if (error.isEmpty() && std::find(std::begin(kBaudRates), std::end(kBaudRates), o.baud) == std::end(kBaudRates))
         error = "baud rate must be 4800, 9600, 19200, 38400 or 115200";
     if (error.isEmpty() && (o.timeout < 1 || o.timeout > 255))
@@ -87,20 +105,83 @@ std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
         platform.clock = std::make_unique<SystemClock>();
     }
     auto ctx = std::make_unique<Context>(std::move(platform));
+    attachSignalProcessing(*ctx);
     ctx->state.comPort = o.simulatedModel ? 0 : 1;
     ctx->state.baudRate = o.baud;
     ctx->state.serialTimeoutSeconds = quint8(o.timeout);
     return ctx;
 }
 
+bool connected(Context &ctx)
+{
+    if (ctx.state.online == 0)
+        connectUnit(ctx);
+    return ctx.state.online == 1; // otherwise the error box has told why
+}
+
 int identify(Context &ctx)
 {
-    connectUnit(ctx);
-    if (ctx.state.online != 1)
-        return 1; // the error box has told why
+    if (!connected(ctx))
+        return 1;
     std::printf("model: %s\nfirmware: %s\n", qPrintable(ctx.state.unitModel), qPrintable(ctx.state.firmwareVersion));
     std::fflush(stdout);
     goLocal(ctx);
+    return 0;
+}
+
+// One level column: the dB value, or nothing where the trace was not read.
+QString level(const TraceArray &trace, int i, bool wanted)
+{
+    return wanted ? QString::number(trace[i] / 2.5, 'f', 1) : QString();
+}
+
+// The traces as CSV, frequencies in MHz by the rule of the measurement file.
+QByteArray traceCsv(const AppState &s, const QStringList &traces)
+{
+    QByteArray out = "Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW\n";
+    const float start = s.chart.startFrequency;
+    const float step = (s.chart.stopFrequency - start) / float(s.pointCount - 1);
+    const TraceStore &t = s.traces;
+    for (int i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
+        const float frequency = float(i - 1) * step + start;
+        const QStringList row{QString::number(frequency, 'f', 6), level(t.sampleTrace, i, traces.contains("sample")),
+                              level(t.averageTrace, i, traces.contains("average")),
+                              level(t.maxholdTrace, i, traces.contains("maxhold")),
+                              level(t.memoryTrace, i, traces.contains("memory"))};
+        out += row.join(',').toLatin1() + '\n';
+    }
+    return out;
+}
+
+bool writeOut(const QString &path, const QByteArray &bytes)
+{
+    QFile file;
+    const bool opened = path == "-" ? file.open(stdout, QIODevice::WriteOnly)
+                                    : (file.setFileName(path), file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    return opened && file.write(bytes) == bytes.size() && file.flush();
+}
+
+int read(Context &ctx, const Options &o)
+{
+    if (!connected(ctx))
+        return 1;
+    AppState &s = ctx.state;
+    readAllSettings(ctx);
+    s.viewSample = o.traces.contains("sample");
+    s.viewAverage = o.traces.contains("average");
+    s.viewMaxhold = o.traces.contains("maxhold");
+    s.viewMemoryB = o.traces.contains("memory");
+    s.viewMemoryAB = 0;
+    if (s.viewAverage || s.viewMaxhold) {
+        s.analyser.calculationOn = 1; // the analyser calculates average and max hold itself
+        calculationStart(ctx);
+    }
+    readTraces(ctx);
+    if (s.online != 1)
+        return 1;
+    goLocal(ctx);
+    if (!writeOut(o.csv, traceCsv(s, o.traces)))
+        return fail("cannot write " + o.csv);
     return 0;
 }
 
@@ -119,5 +200,5 @@ int main(int argc, char **argv)
     }
     Analyser analyser;
     const auto ctx = openContext(*options, analyser);
-    return identify(*ctx);
+    return options->command == "read" ? read(*ctx, *options) : identify(*ctx);
 }

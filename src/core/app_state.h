@@ -3,6 +3,7 @@
 // field names are the names the rest of the system uses.
 
 #include <QDateTime>
+#include <QList>
 #include <QString>
 #include <QtGlobal>
 #include <array>
@@ -82,6 +83,23 @@ struct FormGeometry {
     qint16 levelmeterWindowState = 0;
 };
 
+// One point of a loss/gain component: what must be added to a reading at that frequency.
+struct ComponentRow {
+    float frequency; // MHz
+    float levelDbmw; // dB
+};
+
+// The stretch of a component's table that the last lookup of its slot fell into.
+// highFrequency = 0 empties it.
+struct ComponentSegment {
+    float lowFrequency = 0.0f;
+    float highFrequency = 0.0f;
+    float lowLevel = 0.0f;
+    float highLevel = 0.0f;
+};
+
+constexpr int kChainSlots = 5;
+
 struct AppState {
     AnalyserSettings analyser;
     TraceStore traces;
@@ -127,6 +145,14 @@ struct AppState {
     QString configName = QStringLiteral("Not set");
     QString emcTestName;
     QString notes = QStringLiteral(" ");
+
+    // Correction chain: up to five components of the workplace configuration, and the distance term.
+    std::array<qint32, kChainSlots> componentNumber{}; // losnr per slot; a slot is used from 1 up
+    std::array<QList<ComponentRow>, kChainSlots> componentRows; // each slot's rows in frequency order
+    std::array<ComponentSegment, kChainSlots> componentSegment{};
+    float correctionAtFrequency = 0.0f; // dB, the last lookup without the distance term
+    float distanceFromDut = 0.0f;       // metres; the measuring distance
+    float maxholdLimitDistance = 0.0f;  // metres; the distance for which the peak limit holds
 
     // Modes and runs
     quint8 emcMode = 0;

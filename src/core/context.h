@@ -21,10 +21,14 @@ struct SubsystemCalls {
     std::function<void()> enterNormalMode;
     std::function<void()> enterEmcMode;
     std::function<void()> clearTraces;
+    // Turns the block in `rawSamples` into levels of the array that `traceTarget` selects.
+    std::function<void()> convertBlock;
     // The panel's lists, redisplayed after the analyser's settings were read.
     std::function<void()> refreshUnits;
     std::function<void()> refreshLimits;
     std::function<void()> refreshConfiguration;
+    // The rows of table losdef for one component, in frequency order.
+    std::function<QList<ComponentRow>(qint32 losnr)> componentRows;
 };
 
 class Context {

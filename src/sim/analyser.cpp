@@ -2,9 +2,12 @@
 
 #include <QtGlobal>
 
+#include <cmath>
+#include <numeric>
+
 namespace {
 
-const QByteArray kReady = QByteArrayLiteral("RD");
+const QByteArray kReady = QByteArrayLiteral("RD\r");
 
 QByteArray decimal(double value, int decimals)
 {
@@ -16,11 +19,46 @@ bool isRate(qint32 rate)
     return rate == 4800 || rate == 9600 || rate == 19200 || rate == 38400 || rate == 115200;
 }
 
+// Whether the panel takes `value` for a setting: the analyser refuses what it cannot show.
+bool takes(const QByteArray &name, double value)
+{
+    if (name == "bw")
+        return value == 1000 || value == 120 || value == 9;
+    if (name == "db")
+        return value == 10 || value == 5;
+    if (name == "sp" || name == "at")
+        return value >= 0;
+    return true;
+}
+
+QByteArray field(const QByteArray &text, int width)
+{
+    return text.leftJustified(width, ' ', true);
+}
+
+// The 43 text bytes of a block: the panel in short, with the centre frequency in MHz in
+// characters 18 to 25.
+QByteArray blockText(const SimPanel &p)
+{
+    const QByteArray digits = QByteArray::number(std::abs(p.centerFrequency), 'f', 3);
+    const QByteArray centre = p.centerFrequency < 0 ? '-' + digits.rightJustified(7, '0') : digits.rightJustified(8, '0');
+    return field("SP" + QByteArray::number(p.span) + " BW" + QByteArray::number(p.bandwidth), 14) + "CF:"
+           + field(centre, 8)
+           + field(" RL" + decimal(p.refLevel, 1) + " AT" + QByteArray::number(qRound(p.attenuator)) + " DB"
+                       + QByteArray::number(p.dbPerDivision),
+                   18);
+}
+
 } // namespace
 
 Analyser::Analyser(QString model, QString firmware)
     : model(std::move(model)), versionReplies{std::move(firmware)}
 {
+}
+
+double Analyser::maxFrequency() const
+{
+    return model.contains(QLatin1String("K550")) ? 3050.0 : 1050.0;
 }
 
 Analyser::Answer Analyser::receive(char byte)
@@ -38,9 +76,11 @@ Analyser::Answer Analyser::receive(char byte)
         buffer_.clear();
         if (!command.isEmpty()) {
             ++commands_;
-            answer.reply = execute(command, answer.newRate);
-            if (withholdReplies)
+            execute(command, answer);
+            if (withholdReplies) {
                 answer.reply.clear();
+                answer.pauses.clear();
+            }
         }
     } else if (buffer_.size() < 64) {
         buffer_.append(byte);
@@ -48,30 +88,82 @@ Analyser::Answer Analyser::receive(char byte)
     return answer;
 }
 
-QByteArray Analyser::execute(const QByteArray &command, qint32 &newRate)
+void Analyser::execute(const QByteArray &command, Answer &answer)
 {
     if (command.size() < 3 || command[0] != '#')
-        return {};
+        return;
     const QByteArray name = command.mid(1, 2);
     const QByteArray argument = command.mid(3);
-    if (name == "QM")
-        return model.toLatin1() + '\r';
+    QByteArray &reply = answer.reply;
+    if (name == "QM") {
+        reply = model.toLatin1() + '\r';
+        return;
+    }
     if (name == "VN") {
         const QString version = versionReplies.size() > 1 ? versionReplies.takeFirst() : versionReplies.value(0);
-        return version.toLatin1() + '\r';
+        reply = version.toLatin1() + '\r';
+        return;
     }
     if (argument.isEmpty()) {
         const QByteArray value = query(name);
-        if (!value.isNull())
-            return name.toUpper() + value + '\r';
+        if (!value.isNull()) {
+            reply = name.toUpper() + value + '\r';
+            return;
+        }
     }
-    if (!applySetting(name, argument, newRate))
-        return newRate ? QByteArray() : QByteArrayLiteral("ER\r");
+    if ((name == "bm" || name == "ss") && argument == "1") {
+        sendBlock(name == "ss", answer);
+        return;
+    }
+    if (!applySetting(name, argument, answer.newRate)) {
+        if (!answer.newRate)
+            reply = QByteArrayLiteral("ER\r");
+        return;
+    }
     if (wrongReplies > 0) {
         --wrongReplies;
-        return wrongReply + '\r';
+        reply = wrongReply + '\r';
+        return;
     }
-    return kReady + '\r';
+    reply = kReady;
+    // An armed trigger sweeps, and answers "RD" once more when the sweep passes its level.
+    if (name == "tr" && panel.triggerOn) {
+        sweep();
+        if (memory_.peakLevel() > panel.triggerLevel + panel.attenuator)
+            reply += kReady;
+    }
+}
+
+// A block: the 2001 samples of the trace that the read mode selects, 43 bytes of text, the sum of
+// the samples in three bytes, high byte first, and a carriage return. "#bm1" sends it at once, of
+// a fresh sweep unless single sweep mode holds the last one; "#ss1" sweeps first and adds "RD".
+void Analyser::sendBlock(bool singleSweep, Answer &answer)
+{
+    if (singleSweep || !panel.singleSweep)
+        sweep();
+    const TraceBytes samples = memory_.trace(panel.readMode);
+    quint32 sum = std::accumulate(samples.begin(), samples.end(), quint32(0));
+    if (corruptChecksumOf.contains(++blocks_))
+        ++sum;
+    QByteArray &block = answer.reply;
+    block = QByteArray(reinterpret_cast<const char *>(samples.data()), kTracePoints) + blockText(panel);
+    block += char(sum >> 16);
+    block += char(sum >> 8);
+    block += char(sum);
+    block += '\r';
+    if (singleSweep) {
+        answer.pauses.append({0, Scene::sweepTime(panel)});
+        block += kReady;
+    }
+    if (stallAfterByte >= 0) {
+        answer.pauses.append({stallAfterByte, stallSeconds});
+        stallAfterByte = -1;
+    }
+    if (stopAfterByte >= 0) {
+        block.truncate(stopAfterByte);
+        answer.pauses.removeIf([&](const Pause &p) { return p.at >= block.size(); });
+        stopAfterByte = -1;
+    }
 }
 
 QByteArray Analyser::query(const QByteArray &name) const
@@ -92,15 +184,19 @@ QByteArray Analyser::query(const QByteArray &name) const
     return {};
 }
 
-// Takes a setting into the panel; false for a command the analyser does not know.
+// Takes a setting into the panel; false for a command the analyser does not know or a value it refuses.
 bool Analyser::applySetting(const QByteArray &name, const QByteArray &argument, qint32 &newRate)
 {
     SimPanel &p = panel;
+    if (name == "sa") {
+        if (!argument.isEmpty())
+            return false;
+        memory_.storeAtoB();
+        return true;
+    }
     bool ok = false;
     const double value = argument.toDouble(&ok);
-    if (name == "sa")
-        return argument.isEmpty();
-    if (!ok)
+    if (!ok || !(std::abs(value) < 1e6) || !takes(name, value))
         return false;
     const int whole = qRound(value);
     if (name == "br") {
@@ -118,11 +214,14 @@ bool Analyser::applySetting(const QByteArray &name, const QByteArray &argument, 
     else if (name == "tg") p.tgOn = whole;
     else if (name == "tl") p.tgLevel = value;
     else if (name == "db") p.dbPerDivision = whole;
-    else if (name == "dm") p.calculation = whole;
     else if (name == "es") p.singleSweep = whole;
     else if (name == "kl") p.keyboardLocked = whole;
     else if (name == "sv" || name == "rc") p.settingsMemory = whole;
-    else if (name == "tr") {
+    else if (name == "dm") {
+        p.calculation = whole;
+        if (whole)
+            memory_.restartCalculation(); // "#dm1" also starts the calculation afresh
+    } else if (name == "tr") {
         p.triggerOn = whole != 0;
         if (whole != 0)
             p.triggerLevel = value;

@@ -1,5 +1,6 @@
 // delfor-sim: the simulated analyser on a pseudo-terminal. Prints the device path as its first
-// line and answers on it until SIGTERM or SIGINT.
+// line and answers on it until SIGTERM or SIGINT. SIGUSR1 makes it send "PR" (its print key),
+// SIGUSR2 "LO" (its local key).
 
 #include "sim/pty_server.h"
 
@@ -9,6 +10,7 @@
 #include <cstdio>
 #include <optional>
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 namespace {
 
@@ -65,14 +67,14 @@ int main(int argc, char **argv)
         return 2;
     }
 
-    // SIGTERM and SIGINT arrive as input on a descriptor, so the server ends cleanly between two bytes.
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGTERM);
-    sigaddset(&stopSignals, SIGINT);
-    sigprocmask(SIG_BLOCK, &stopSignals, nullptr);
-    const int stopFd = signalfd(-1, &stopSignals, SFD_CLOEXEC);
-    if (stopFd < 0)
+    // Signals arrive as input on a descriptor, so the server acts on them between two bytes.
+    sigset_t handled;
+    sigemptyset(&handled);
+    for (int number : {SIGTERM, SIGINT, SIGUSR1, SIGUSR2})
+        sigaddset(&handled, number);
+    sigprocmask(SIG_BLOCK, &handled, nullptr);
+    const int signalFd = signalfd(-1, &handled, SFD_CLOEXEC);
+    if (signalFd < 0)
         return fail(QStringLiteral("signalfd failed"));
 
     Analyser analyser(options->model, options->firmware);
@@ -82,5 +84,17 @@ int main(int argc, char **argv)
         return fail(server.error);
     std::printf("%s\n", qPrintable(server.slavePath()));
     std::fflush(stdout);
-    return server.serve(stopFd) ? 0 : fail(server.error);
+    for (;;) {
+        if (!server.serve(signalFd))
+            return fail(server.error);
+        signalfd_siginfo info{};
+        if (::read(signalFd, &info, sizeof info) != ssize_t(sizeof info))
+            continue;
+        if (info.ssi_signo == SIGUSR1)
+            server.sendUnsolicited("PR");
+        else if (info.ssi_signo == SIGUSR2)
+            server.sendUnsolicited("LO");
+        else
+            return 0;
+    }
 }

@@ -101,8 +101,8 @@ bool PtyServer::serve(int stopFd)
     for (;;) {
         pollfd fds[] = {{master_, POLLIN, 0}, {stopFd, POLLIN, 0}};
         int timeout = -1;
-        if (!pendingReply_.isEmpty()) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(quietFrom_ - SteadyClock::now());
+        if (!pending_.empty()) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(dueAt_ - SteadyClock::now());
             timeout = int(std::max<qint64>(0, left.count()));
         }
         if (::poll(fds, 2, timeout) < 0) {
@@ -122,12 +122,11 @@ bool PtyServer::serve(int stopFd)
             for (ssize_t i = 0; i < count; ++i)
                 take(bytes[i]);
             if (count > 0)
-                quietFrom_ = SteadyClock::now() + kQuietGap;
+                dueAt_ = std::max(dueAt_, SteadyClock::now() + kQuietGap);
         } else if (fds[0].revents != 0) {
             return hungUp();
-        } else if (!pendingReply_.isEmpty() && SteadyClock::now() >= quietFrom_) {
-            send(pendingReply_);
-            pendingReply_.clear();
+        } else if (!pending_.empty() && SteadyClock::now() >= dueAt_) {
+            sendDue();
         }
     }
 }
@@ -148,7 +147,35 @@ void PtyServer::take(char byte)
     send(answer.echo);
     if (answer.newRate != 0)
         analyser_.rate = answer.newRate; // after the echo, which still went out at the old speed
-    pendingReply_ += answer.reply;
+    queueReply(answer);
+}
+
+void PtyServer::queueReply(const Analyser::Answer &answer)
+{
+    qsizetype from = 0;
+    std::chrono::duration<double> pause{0};
+    for (const Analyser::Pause &p : answer.pauses) {
+        if (p.at > from) {
+            pending_.push_back({pause, answer.reply.mid(from, p.at - from)});
+            from = p.at;
+            pause = pause.zero();
+        }
+        pause += std::chrono::duration<double>(p.seconds);
+    }
+    if (from < answer.reply.size())
+        pending_.push_back({pause, answer.reply.mid(from)});
+}
+
+void PtyServer::sendDue()
+{
+    Segment &next = pending_.front();
+    if (next.pause > next.pause.zero()) {
+        dueAt_ = SteadyClock::now() + std::chrono::duration_cast<SteadyClock::duration>(next.pause);
+        next.pause = next.pause.zero();
+        return;
+    }
+    send(next.bytes);
+    pending_.pop_front();
 }
 
 void PtyServer::send(const QByteArray &bytes)

@@ -2,11 +2,13 @@
 // The analyser served on a pseudo-terminal in real time, so that the program's real serial port
 // code can talk to it: the program opens the slave device, the server works the master side.
 // The analyser hears a byte only when the speed that the program set on the slave is its own.
+// A pause inside a reply holds the rest of it back for that long.
 
 #include "sim/analyser.h"
 
 #include <QString>
 #include <chrono>
+#include <deque>
 
 class PtyServer {
 public:
@@ -24,14 +26,23 @@ public:
     // Answers the program until `stopFd` becomes readable (true), or the pseudo-terminal fails
     // (false, with `error`). Sleeps in poll() while nothing happens.
     bool serve(int stopFd);
+    // Bytes the analyser sends by itself ("PR", "LO"), at once.
+    void sendUnsolicited(const QByteArray &bytes) { send(bytes); }
 
     QString error;
 
 private:
     using SteadyClock = std::chrono::steady_clock;
+    // A piece of a reply, and the pause before it.
+    struct Segment {
+        std::chrono::duration<double> pause;
+        QByteArray bytes;
+    };
 
     qint32 programRate() const;
     void take(char byte);
+    void queueReply(const Analyser::Answer &answer);
+    void sendDue();
     void send(const QByteArray &bytes);
     bool fail(const QString &what);
     bool hungUp();
@@ -41,6 +52,8 @@ private:
     int slave_ = -1; // kept open, so the line does not hang up between the program's opens
     QString slavePath_;
     QString linkPath_;
-    QByteArray pendingReply_;
-    SteadyClock::time_point quietFrom_; // the reply goes out once no byte has come until then
+    std::deque<Segment> pending_;
+    // The next segment goes out then, or its pause starts; every byte that comes in moves it to
+    // no earlier than the end of the quiet time.
+    SteadyClock::time_point dueAt_;
 };

@@ -8,6 +8,17 @@ namespace {
 // The analyser answers once its input has been quiet for this many byte times: long enough for
 // the extra carriage returns of a repeated command to be echoed before the reply comes.
 constexpr double kQuietBytes = 2.25;
+constexpr std::size_t kTrafficKept = 1 << 20;
+
+// The seconds of all pauses of a reply up to its byte `index`, that byte's own included.
+double pausesUpTo(const QList<Analyser::Pause> &pauses, qsizetype index)
+{
+    double seconds = 0.0;
+    for (const Analyser::Pause &pause : pauses)
+        if (pause.at <= index)
+            seconds += pause.seconds;
+    return seconds;
+}
 } // namespace
 
 SimulatedPort::SimulatedPort(Analyser &analyser, Clock &clock, double minimumReplyLatency)
@@ -46,12 +57,17 @@ void SimulatedPort::close()
     input_.clear();
 }
 
-void SimulatedPort::sendFromUnit(const QByteArray &bytes, double start, qint32 rate)
+void SimulatedPort::sendFromUnit(const QByteArray &bytes, double start, qint32 rate,
+                                 const QList<Analyser::Pause> &pauses)
 {
-    for (char byte : bytes) {
-        const double begin = std::max(start, unitLineFree_);
+    auto pause = pauses.begin();
+    for (qsizetype index = 0; index < bytes.size(); ++index) {
+        const char byte = bytes[index];
+        double begin = std::max(start, unitLineFree_);
+        for (; pause != pauses.end() && pause->at <= index; ++pause)
+            begin += pause->seconds;
         const double done = begin + byteTime(rate);
-        traffic.push_back({false, byte, begin});
+        record(false, byte, begin);
         unitLineFree_ = done;
         start = done;
         if (!open_)
@@ -63,11 +79,19 @@ void SimulatedPort::sendFromUnit(const QByteArray &bytes, double start, qint32 r
     }
 }
 
+void SimulatedPort::record(bool toUnit, char byte, double time)
+{
+    if (traffic.size() >= kTrafficKept)
+        traffic.erase(traffic.begin(), traffic.begin() + kTrafficKept / 2);
+    traffic.push_back({toUnit, byte, time});
+}
+
 void SimulatedPort::releasePendingReply(double until)
 {
     if (!pendingReply_.isEmpty() && pendingFrom_ <= until) {
-        sendFromUnit(pendingReply_, pendingFrom_, pendingRate_);
+        sendFromUnit(pendingReply_, pendingFrom_, pendingRate_, pendingPauses_);
         pendingReply_.clear();
+        pendingPauses_.clear();
     }
 }
 
@@ -78,7 +102,7 @@ bool SimulatedPort::writeByte(char byte)
     const double begin = std::max(now(), programLineFree_);
     const double arrival = begin + byteTime(rate_);
     programLineFree_ = arrival;
-    traffic.push_back({true, byte, begin});
+    record(true, byte, begin);
     if (rate_ != analyser_.rate) {
         // The analyser hears noise; in garbage mode it echoes it, and the program hears that garbled.
         if (wrongSpeed == WrongSpeed::Garbage)
@@ -90,6 +114,8 @@ bool SimulatedPort::writeByte(char byte)
     sendFromUnit(answer.echo, arrival, analyser_.rate);
     if (answer.newRate)
         analyser_.rate = answer.newRate;
+    for (const Analyser::Pause &pause : answer.pauses)
+        pendingPauses_.append({pendingReply_.size() + pause.at, pause.seconds});
     pendingReply_ += answer.reply;
     if (!pendingReply_.isEmpty()) {
         // Every byte that comes in restarts the quiet time before the reply.
@@ -105,7 +131,9 @@ int SimulatedPort::bytesWaiting()
         return 0;
     const double t = now();
     releasePendingReply(t);
-    return int(std::count_if(input_.begin(), input_.end(), [t](const Incoming &in) { return in.time <= t; }));
+    // The input is in time order: the line delivers one byte after the other.
+    const auto due = std::partition_point(input_.begin(), input_.end(), [t](const Incoming &in) { return in.time <= t; });
+    return int(due - input_.begin());
 }
 
 void SimulatedPort::discardInput()
@@ -139,8 +167,10 @@ void SimulatedPort::waitForInput(int count, double seconds)
             // The pending reply goes out as scheduled unless the program writes first, which it
             // cannot do while it waits here.
             const double begin = std::max(pendingFrom_, unitLineFree_);
-            const auto bytesOfReply = double(count - int(input_.size()));
-            until = std::min(until, begin + bytesOfReply * byteTime(pendingRate_));
+            const qsizetype bytesOfReply = count - qsizetype(input_.size());
+            const double arrival = begin + double(bytesOfReply) * byteTime(pendingRate_)
+                                   + pausesUpTo(pendingPauses_, bytesOfReply - 1);
+            until = std::min(until, arrival);
         }
     }
     clock_.sleep(until - t);

@@ -1,8 +1,9 @@
 #pragma once
 // The analyser in-process behind the SerialPort interface, with the line's time on a clock:
-// every byte takes 10 bits at the rate of its sender, and a reply starts once the analyser's
-// input has been quiet for a short while. At a rate other than the analyser's the program
-// sees nothing (or garbage, if asked), and the analyser hears nothing.
+// every byte takes 10 bits at the rate of its sender, a reply starts once the analyser's input
+// has been quiet for a short while, and a pause inside a reply leaves the line idle that long.
+// At a rate other than the analyser's the program sees nothing (or garbage, if asked), and the
+// analyser hears nothing.
 
 #include "core/platform.h"
 #include "sim/analyser.h"
@@ -40,6 +41,7 @@ public:
         char byte;
         double time; // seconds on the line's time axis
     };
+    // Both ways; a long session keeps about its last million bytes.
     std::vector<Traffic> traffic;
     QByteArray sentByProgram() const;
     QByteArray sentByUnit() const;
@@ -55,8 +57,9 @@ private:
     };
     double now() const;
     double byteTime(qint32 rate) const { return 10.0 / rate; }
-    void sendFromUnit(const QByteArray &bytes, double start, qint32 rate);
+    void sendFromUnit(const QByteArray &bytes, double start, qint32 rate, const QList<Analyser::Pause> &pauses = {});
     void releasePendingReply(double until);
+    void record(bool toUnit, char byte, double time);
 
     Analyser &analyser_;
     Clock &clock_;
@@ -68,6 +71,7 @@ private:
     double unitLineFree_ = 0;    // when the analyser's transmitter is free
     std::deque<Incoming> input_; // bytes towards the program, in time order
     QByteArray pendingReply_;
+    QList<Analyser::Pause> pendingPauses_; // offsets into the pending reply
     double pendingFrom_ = 0;     // earliest start of the pending reply
     qint32 pendingRate_ = 0;
 };

@@ -1,4 +1,5 @@
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -28,6 +29,8 @@ private slots:
     void refusesBadArguments_data();
     void refusesBadArguments();
     void missingPortIsOpenError();
+    void readPrintsTraceAsCsv();
+    void readWritesCsvFileWithWantedColumns();
 };
 
 void CliIdentifyTest::identifiesSimulatedModel_data()
@@ -61,6 +64,8 @@ void CliIdentifyTest::refusesBadArguments_data()
     QTest::newRow("unknown model") << QStringList{"identify", "--simulate=K999"} << "unknown model: K999";
     QTest::newRow("both ports") << QStringList{"identify", "--simulate", "--port", "/dev/null"} << "exclude each other";
     QTest::newRow("stray option") << QStringList{"identify", "--fast"} << "unknown argument: --fast";
+    QTest::newRow("unknown trace") << QStringList{"read", "--simulate", "--traces", "sample,peak"} << "unknown trace: peak";
+    QTest::newRow("no csv value") << QStringList{"read", "--simulate", "--csv"} << "need a value";
 }
 
 void CliIdentifyTest::refusesBadArguments()
@@ -80,6 +85,41 @@ void CliIdentifyTest::missingPortIsOpenError()
     QCOMPARE(r.exitCode, 1);
     QCOMPARE(r.err, QString("Serial - Error: Can not open com. port\n"));
     QCOMPARE(r.out, QString());
+}
+
+void CliIdentifyTest::readPrintsTraceAsCsv()
+{
+    const Run r = cli({"read", "--simulate", "--csv", "-"});
+    QCOMPARE(r.err, QString());
+    QCOMPARE(r.exitCode, 0);
+    const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 2002);
+    QCOMPARE(lines.first(), QString("Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW"));
+    QCOMPARE(lines[1].section(',', 0, 0).toDouble(), 0.0);
+    QCOMPARE(lines[2001].section(',', 0, 0).toDouble(), 1000.0);
+    // The simulated device under test has a 48 MHz clock: its line stands well above the floor.
+    const auto levelAt = [&](double mhz) { return lines[1 + qRound(mhz * 2)].section(',', 1, 1).toDouble(); };
+    QVERIFY2(levelAt(48.0) > levelAt(30.0) + 20, qPrintable(lines[97] + " / " + lines[61]));
+    QVERIFY(lines[500].endsWith(",,,"));
+}
+
+void CliIdentifyTest::readWritesCsvFileWithWantedColumns()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("trace.csv");
+    const Run r = cli({"read", "--simulate=K550-B", "--baud", "115200", "--traces", "maxhold,memory,average",
+                       "--csv", path});
+    QCOMPARE(r.exitCode, 0);
+    QCOMPARE(r.out, QString());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    QCOMPARE(lines.size(), 2003); // the last line ends with its newline
+    const QList<QByteArray> cells = lines[1000].split(',');
+    QCOMPARE(cells.size(), 5);
+    QVERIFY(cells[1].isEmpty());
+    QVERIFY(!cells[2].isEmpty() && !cells[3].isEmpty() && !cells[4].isEmpty());
+    QVERIFY(cells[2].toDouble() <= cells[3].toDouble()); // the average never rises above the max hold
 }
 
 QTEST_GUILESS_MAIN(CliIdentifyTest)

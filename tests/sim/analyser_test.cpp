@@ -1,19 +1,7 @@
+#include "sim/sim_exchange.h"
 #include "support/sim_bench.h"
 
 #include <QTest>
-
-namespace {
-// Everything the analyser sends for a command text, echo and reply, fed byte by byte.
-QByteArray exchange(Analyser &a, const QByteArray &text)
-{
-    QByteArray out;
-    for (char c : text) {
-        const Analyser::Answer answer = a.receive(c);
-        out += answer.echo + answer.reply;
-    }
-    return out;
-}
-} // namespace
 
 class AnalyserSimulatorTest : public QObject {
     Q_OBJECT

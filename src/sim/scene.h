@@ -1,0 +1,65 @@
+#pragma once
+// What the analyser's input sees: a device under test and the ambient around it, as levels in dBm
+// at the 2001 points of a sweep. Point i (1..2001) lies at centre - span/2 + i * span/2001. Each
+// point shows the strongest response within its own slice of the span (a peak detector), so a
+// carrier narrower than the point spacing is never lost between two points. In zero span all
+// points look at the centre frequency, one after the other in time.
+
+#include "sim/panel.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <vector>
+
+constexpr int kTracePoints = 2001;
+using TraceLevels = std::array<double, kTracePoints>; // element 0 is point 1
+
+struct Emitter {
+    enum class Timing { Continuous, Pulsed, Modulated };
+    double frequency;       // MHz
+    double level;           // dBm: the whole power, while on for a pulsed emitter, of the carrier for a modulated one
+    double bandwidth = 0.0; // MHz occupied; 0 for a carrier
+    Timing timing = Timing::Continuous;
+    double rate = 0.0;      // Hz: pulse repetition, or the modulating tone
+    double shape = 0.0;     // duty cycle of a pulsed emitter, modulation depth of a modulated one
+};
+
+class Scene {
+public:
+    explicit Scene(std::vector<Emitter> emitters = standardEmitters());
+
+    // A clocked device under test with its harmonics and a pulsed transmitter, in an ambient of
+    // FM, DAB, DVB-T and GSM 900 broadcasts and an AM air band station.
+    static std::vector<Emitter> standardEmitters();
+
+    // The levels of sweep number `sweep` on `panel`: the same number gives the same noise. Only
+    // emitters up to `maxFrequency` (MHz) reach the analyser.
+    void sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, TraceLevels &levels);
+
+    // Seconds one sweep takes: longer for a wide span in a narrow bandwidth, 20 ms to 2 s.
+    static double sweepTime(const SimPanel &panel);
+    // The displayed noise in dBm at `frequency`: it follows the bandwidth and the attenuator.
+    static double noiseFloor(const SimPanel &panel, double frequency);
+
+private:
+    struct Tuning {
+        double centre;
+        int span;
+        int bandwidth;
+        double maxFrequency;
+        bool operator==(const Tuning &) const = default;
+    };
+    // The power of a pulsed or modulated emitter at one point, before its timing is applied.
+    struct Varying {
+        int point;
+        std::size_t emitter;
+        double power; // mW
+    };
+    void tune(const Tuning &tuning);
+
+    std::vector<Emitter> emitters_;
+    Tuning tuned_{-1.0, -1, -1, -1.0};
+    std::array<double, kTracePoints> steady_{}; // mW of the continuous emitters at each point
+    std::vector<Varying> varying_;
+};
