@@ -87,7 +87,6 @@ std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
     program->ctx = std::make_unique<Context>(
         Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
     program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    Context &ctx = *program->ctx;
-    ctx.calls.clearTraces = [&ctx] { clearTraces(ctx); };
+    attachSignalProcessing(*program->ctx);
     return program;
 }

@@ -33,6 +33,7 @@ private slots:
     void uncalFlagNeedsNewerFirmware_data();
     void uncalFlagNeedsNewerFirmware();
     void failedQueryLeavesFieldAndStopsSequence();
+    void numbersCarryPointUnderCommaLocale();
     void numberPictureWritesZerosAndSign_data();
     void numberPictureWritesZerosAndSign();
 };
@@ -260,6 +261,29 @@ void CommandSetTest::failedQueryLeavesFieldAndStopsSequence()
     QCOMPARE(b.prompts->messages().size(), 1);
     QCOMPARE(b.port->sentByProgram(), QByteArray("#es0\r#es0\r\r#es0\r\r\r"));
     QCOMPARE(b.state().busy, quint8(0));
+}
+
+void CommandSetTest::numbersCarryPointUnderCommaLocale()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    SimBench b;
+    connectUnit(*b.ctx);
+    b.port->clearTraffic();
+    b.state().analyser.centerFrequency = 433.92f;
+    b.state().analyser.refLevel = -42.5f;
+    b.state().analyser.tgLevel = -7.5f;
+    b.state().triggerLevel = -60.5f;
+    sendAllSettings(*b.ctx);
+    sendTriggerLevel(*b.ctx);
+    readAllSettings(*b.ctx);
+    QLocale::setDefault(before);
+    const QStringList sent = commandsSent(*b.port);
+    for (const char *command : {"#cf0433.920", "#rl-42.5", "#tl-07.5", "#tr-60.5"})
+        QVERIFY2(sent.contains(command), command);
+    QVERIFY(!b.port->sentByProgram().contains(','));
+    QCOMPARE(b.state().analyser.refLevel, -42.5f); // read back through the same point
+    QCOMPARE(b.state().analyser.centerFrequency, 433.92f);
 }
 
 void CommandSetTest::numberPictureWritesZerosAndSign_data()
