@@ -8,6 +8,7 @@
 #include "link/serial_link.h"
 #include "signal/trace_store.h"
 #include "sim/simulated_port.h"
+#include "store/database.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -88,5 +89,6 @@ std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
         Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
     program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     attachSignalProcessing(*program->ctx);
+    program->ctx->calls.openWorkingDatabase = [ctx = program->ctx.get()] { openWorkingDatabase(*ctx); };
     return program;
 }

@@ -162,7 +162,7 @@ struct AppState {
     qint32 timer3Ticks = 0;
 
     quint8 decimalChar = 46;
-    float tauf30 = 2, tauf1000 = 2, tent30 = 320, tent1000 = 1100;
+    quint16 tauf30 = 2, tauf1000 = 2, tent30 = 320, tent1000 = 1100;
     float databaseVersion = 1.0f;
     QString databasePath;
     QString measurementFileName;

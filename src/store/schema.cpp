@@ -1,0 +1,179 @@
+#include "store/schema.h"
+
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QUuid>
+
+namespace {
+
+const QString kSingle = QStringLiteral("SINGLE");
+const QString kDouble = QStringLiteral("DOUBLE");
+const QString kByte = QStringLiteral("BYTE");
+const QString kInteger = QStringLiteral("INTEGER");
+const QString kLong = QStringLiteral("LONG");
+const QString kBoolean = QStringLiteral("BOOLEAN");
+const QString kMemo = QStringLiteral("MEMO");
+QString text(int width) { return QStringLiteral("TEXT(%1)").arg(width); }
+
+QList<TableSchema> buildTables()
+{
+    return {
+        {"version", {{"versionnr", kSingle}}},
+        {"qpeak",
+         {{"tauf-30", kSingle}, {"tauf-1000", kSingle}, {"tent-30", kSingle}, {"tent-1000", kSingle}}},
+        {"unit", {{"unitname", text(20)}, {"unitoffset", kSingle}}},
+        {"LimitHead",
+         {{"limitnr", kLong},
+          {"limitname", text(80)},
+          {"Radiated", kBoolean},
+          {"loga", kBoolean},
+          {"Distance", kSingle},
+          {"Memo", kMemo},
+          {"limunit", text(20)},
+          {"dat", text(20)},
+          {"tim", text(20)}}},
+        {"LimitDef", {{"limitnr", kLong}, {"frequency", kSingle}, {"level_dbmw", kSingle}}},
+        {"loshead",
+         {{"losnr", kLong},
+          {"losname", text(80)},
+          {"lostyp", kInteger},
+          {"Distance", kSingle},
+          {"Memo", kMemo},
+          {"dat", text(20)},
+          {"tim", text(20)}}},
+        {"losdef", {{"losnr", kLong}, {"frequency", kSingle}, {"level_dbmw", kSingle}}},
+        {"MeasureCount", {{"limitnr", kLong}, {"losnr", kLong}}},
+        {"config",
+         {{"ConfigName", text(80)},
+          {"devicea", kLong},
+          {"deviceb", kLong},
+          {"devicec", kLong},
+          {"deviced", kLong},
+          {"devicee", kLong}}},
+        {"test",
+         {{"name", text(80)},
+          {"config", text(80)},
+          {"peak", kLong},
+          {"average", kLong},
+          {"startfreq", kSingle},
+          {"stopfreq", kSingle},
+          {"peakdet", kInteger},
+          {"AVdet", kBoolean},
+          {"rbw", kInteger},
+          {"ref", kSingle},
+          {"unit", text(20)},
+          {"atten", kSingle},
+          {"horizontal", kBoolean},
+          {"vertical", kBoolean},
+          {"mode", kByte},
+          {"leveldist", kSingle},
+          {"meastime", kInteger},
+          {"limitbezug", kByte},
+          {"Ambient", kBoolean},
+          {"step", kSingle},
+          {"steptime", kByte},
+          {"tgon", kBoolean},
+          {"memo", kMemo}}},
+        {"settings",
+         {{"name", text(80)},
+          {"centerfreq", kSingle},
+          {"reflevel", kSingle},
+          {"attenuator", kSingle},
+          {"bandwith", kInteger},
+          {"videofilter", kByte},
+          {"span", kInteger},
+          {"unit", text(20)},
+          {"correctionon", kByte},
+          {"configname", text(80)},
+          {"readmode", kByte},
+          {"viewsample", kByte},
+          {"viewaverage", kByte},
+          {"viewmaxhold", kByte},
+          {"viewb", kByte},
+          {"viewab", kByte},
+          {"viewlimitmax", kByte},
+          {"viewlimitave", kByte},
+          {"averagename", kLong},
+          {"maxholdname", kLong},
+          {"tgon", kByte},
+          {"tglevel", kSingle},
+          {"calc", kByte}}},
+        {"knownsignals",
+         {{"signal", text(50)},
+          {"startfreq", kDouble},
+          {"stopfreq", kDouble},
+          {"max-level", kDouble},
+          {"min-level", kDouble},
+          {"memo", kMemo},
+          {"screenColor", kLong},
+          {"hor", kBoolean},
+          {"ver", kBoolean}}},
+    };
+}
+
+QString quoted(const QString &name) { return QLatin1Char('"') + name + QLatin1Char('"'); }
+
+// The rows a pristine file starts with. The quasi-peak row loads as the program's own
+// defaults (2, 2, 320, 1100); loshead 0 is the fixed entry that cannot be edited or deleted.
+QStringList starterRows()
+{
+    return {
+        QStringLiteral("insert into version (versionnr) values (1.1)"),
+        QStringLiteral("insert into qpeak (\"tauf-30\", \"tauf-1000\", \"tent-30\", \"tent-1000\") "
+                       "values (1, 1, 160, 550)"),
+        QStringLiteral("insert into unit (unitname, unitoffset) values ('dBmW', 0)"),
+        QStringLiteral("insert into unit (unitname, unitoffset) values ('dBuV', 107)"),
+        QStringLiteral("insert into unit (unitname, unitoffset) values ('dBmV', 47)"),
+        QStringLiteral("insert into unit (unitname, unitoffset) values ('dBuW', 30)"),
+        QStringLiteral("insert into MeasureCount (limitnr, losnr) values (0, 0)"),
+        QStringLiteral("insert into loshead (losnr, losname, lostyp, Distance, Memo, dat, tim) "
+                       "values (0, ' ', 1, 0, '', '', '')"),
+        // Delivered limit lines, known bands, example components, configurations and tests
+        // are appended here as they are defined.
+    };
+}
+
+} // namespace
+
+const QList<TableSchema> &workingTables()
+{
+    static const QList<TableSchema> tables = buildTables();
+    return tables;
+}
+
+QString createTableSql(const TableSchema &table)
+{
+    QStringList columns;
+    for (const ColumnSchema &c : table.columns)
+        columns << quoted(c.name) + QLatin1Char(' ') + c.type;
+    return QStringLiteral("create table %1 (%2)").arg(quoted(table.name), columns.join(QStringLiteral(", ")));
+}
+
+bool writePristineDatabase(const QString &path)
+{
+    if (QFile::exists(path) && !QFile::remove(path))
+        return false;
+    const QString connection = QStringLiteral("delfor-pristine-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    bool ok = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(path);
+        if (db.open() && db.transaction()) {
+            QSqlQuery query(db);
+            ok = true;
+            for (const TableSchema &table : workingTables())
+                ok = ok && query.exec(createTableSql(table));
+            for (const QString &row : starterRows())
+                ok = ok && query.exec(row);
+            query.finish();
+            ok = ok ? db.commit() : (db.rollback(), false);
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+    if (!ok)
+        QFile::remove(path);
+    return ok;
+}

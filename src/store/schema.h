@@ -1,0 +1,33 @@
+#pragma once
+// The tables of the working database, and the pristine file the program starts from.
+//
+// Columns carry the type names of the file format (SINGLE, BYTE, INTEGER, LONG, BOOLEAN,
+// DOUBLE, DATE, TEXT(n), MEMO) as their declared SQLite types, so that the file documents
+// itself; SQLite stores them as REAL, INTEGER and TEXT. Booleans hold -1 for true and 0 for
+// false. Tables have no key beyond SQLite's rowid.
+
+#include <QList>
+#include <QString>
+
+struct ColumnSchema {
+    QString name;
+    QString type;
+};
+
+struct TableSchema {
+    QString name;
+    QList<ColumnSchema> columns;
+};
+
+// Every table of the working database, in the order they are created.
+const QList<TableSchema> &workingTables();
+
+// The "create table" statement of one table.
+QString createTableSql(const TableSchema &table);
+
+// Schema revision that the program requires, and that a pristine file carries.
+inline constexpr float kRequiredDatabaseVersion = 1.1f;
+
+// Builds a pristine working database at `path` (tables and starter rows) in one transaction.
+// An existing file at `path` is replaced. Returns false if the file could not be written.
+bool writePristineDatabase(const QString &path);
