@@ -10,7 +10,8 @@ bool isIdentStart(QChar c) { return c.isLetter() || c == u'_'; }
 bool isIdentChar(QChar c) { return c.isLetterOrNumber() || c == u'_'; }
 
 // Numbers are read the same under any locale: digits, a point, an exponent.
-std::optional<double> parseDouble(QStringView text)
+template <typename T>
+std::optional<T> parseNumber(QStringView text)
 {
     const QByteArray bytes = text.trimmed().toLatin1();
     if (bytes.isEmpty())
@@ -19,27 +20,21 @@ std::optional<double> parseDouble(QStringView text)
     const char *last = first + bytes.size();
     if (*first == '+')
         ++first;
-    double value = 0;
+    T value = 0;
     auto [ptr, ec] = std::from_chars(first, last, value);
     if (ec != std::errc() || ptr != last || !std::isfinite(value))
         return std::nullopt;
     return value;
 }
 
+std::optional<double> parseDouble(QStringView text)
+{
+    return parseNumber<double>(text);
+}
+
 std::optional<float> parseFloat(QStringView text)
 {
-    const QByteArray bytes = text.trimmed().toLatin1();
-    if (bytes.isEmpty())
-        return std::nullopt;
-    const char *first = bytes.constData();
-    const char *last = first + bytes.size();
-    if (*first == '+')
-        ++first;
-    float value = 0;
-    auto [ptr, ec] = std::from_chars(first, last, value);
-    if (ec != std::errc() || ptr != last || !std::isfinite(value))
-        return std::nullopt;
-    return value;
+    return parseNumber<float>(text);
 }
 
 // A number at `pos`: optional sign, digits with an optional point, optional exponent.

@@ -500,11 +500,7 @@ bool DataView::update()
     if (m_mode == Mode::Editing)
         q.addBindValue(m_rowids[m_pos]);
 
-    const bool own = m_db.transaction();
-    if (!q.exec() || (own && !m_db.commit())) {
-        m_error = q.lastError().text();
-        if (own)
-            m_db.rollback();
+    if (!runWrite(q)) {
         cancelUpdate();
         return false;
     }
@@ -530,6 +526,17 @@ bool DataView::update()
     return true;
 }
 
+bool DataView::runWrite(QSqlQuery &query)
+{
+    const bool own = m_db.transaction();
+    if (query.exec() && (!own || m_db.commit()))
+        return true;
+    m_error = query.lastError().text();
+    if (own)
+        m_db.rollback();
+    return false;
+}
+
 bool DataView::deleteRow()
 {
     cancelUpdate();
@@ -538,13 +545,8 @@ bool DataView::deleteRow()
     QSqlQuery q(m_db);
     q.prepare(QStringLiteral("DELETE FROM %1 WHERE rowid = ?").arg(quoted(m_table)));
     q.addBindValue(m_rowids[m_pos]);
-    const bool own = m_db.transaction();
-    if (!q.exec() || (own && !m_db.commit())) {
-        m_error = q.lastError().text();
-        if (own)
-            m_db.rollback();
+    if (!runWrite(q))
         return false;
-    }
     m_rowids.removeAt(m_pos);
     m_rows.removeAt(m_pos);
     // Until the next move the deleted row stays current: it has no values, and moveNext

@@ -11,6 +11,7 @@
 #include <QList>
 #include <QSet>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
@@ -83,6 +84,8 @@ private:
     bool loadSchema(const QString &table);
     QVariant storedForm(int column, const QVariant &v) const;
     bool find(const QString &criterion, int from, int step);
+    // Runs one prepared write as its own transaction; false (and the error kept) when it failed.
+    bool runWrite(QSqlQuery &query);
     int indexOfRowid(qint64 rowid) const;
     std::optional<QVariantList> readRow(qint64 rowid) const;
 

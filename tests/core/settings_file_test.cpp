@@ -1,3 +1,4 @@
+#include "support/no_port.h"
 #include "core/clock.h"
 #include "core/scripted_prompts.h"
 #include "core/settings_file.h"
@@ -10,22 +11,6 @@
 
 namespace {
 
-// The settings file never touches the port.
-class NoPort : public SerialPort {
-public:
-    void setPortNumber(int) override {}
-    int portNumber() const override { return 0; }
-    bool setSettings(const QString &) override { return true; }
-    bool open() override { return false; }
-    void close() override {}
-    bool isOpen() const override { return false; }
-    int bytesWaiting() override { return 0; }
-    void discardInput() override {}
-    void discardOutput() override {}
-    bool writeByte(char) override { return false; }
-    QByteArray readByte() override { return {}; }
-    void waitForInput(int, double) override {}
-};
 
 // Forms that report the geometry they stand at, as the main frame does at the exit.
 class FormsAt : public FrameControls {

@@ -1,3 +1,4 @@
+#include "support/no_port.h"
 #include "core/clock.h"
 #include "core/context.h"
 #include "core/scripted_prompts.h"
@@ -18,21 +19,6 @@
 
 namespace {
 
-class NoPort : public SerialPort {
-public:
-    void setPortNumber(int) override {}
-    int portNumber() const override { return 0; }
-    bool setSettings(const QString &) override { return true; }
-    bool open() override { return false; }
-    void close() override {}
-    bool isOpen() const override { return false; }
-    int bytesWaiting() override { return 0; }
-    void discardInput() override {}
-    void discardOutput() override {}
-    bool writeByte(char) override { return false; }
-    QByteArray readByte() override { return {}; }
-    void waitForInput(int, double) override {}
-};
 
 // A context on a temporary data folder. The constants start at 0 so that a load shows.
 struct Fixture {
