@@ -65,6 +65,12 @@ struct ChartView {
     quint8 logAxis = 0;
     qint16 showKnownBands = 0; // 0 or -1
     quint8 paintBusy = 0;
+    float logStart = 0.0f; // ends of the logarithmic axis and the decade of its start, MHz
+    float logStop = 0.0f;
+    float logDecade = 0.001f;
+    quint8 paintSelection = 0; // 0 "Hor/L+Ver/N", 1 "Hor/L", 2 "Ver/N"
+    quint8 paintAllPoints = 0;
+    quint8 thinFactor = 20;
     float peakFrequency = 0.0f;
     qint16 peakLevel = -1000;
     qint32 cursorAX = 100000;
@@ -145,6 +151,14 @@ struct AppState {
     QString configName = QStringLiteral("Not set");
     QString emcTestName;
     QString notes = QStringLiteral(" ");
+    QDateTime measurementDate; // of the stored measurement on display
+
+    // Limits in force (names "Not set" when none is)
+    qint32 averageLimitNr = 0, maxholdLimitNr = 0;
+    QString averageLimitName = QStringLiteral("Not set");
+    QString maxholdLimitName = QStringLiteral("Not set");
+    qint16 averageLimitLog = 0, maxholdLimitLog = 0; // -1: logarithmic interpolation
+    float averageLimitDistance = 0.0f; // metres
 
     // Correction chain: up to five components of the workplace configuration, and the distance term.
     std::array<qint32, kChainSlots> componentNumber{}; // losnr per slot; a slot is used from 1 up
@@ -156,6 +170,11 @@ struct AppState {
 
     // Modes and runs
     quint8 emcMode = 0;
+    quint8 emcScanMode = 0;
+    quint8 emcViewMaxhold = 0, emcViewQPeak = 0, emcViewAverage = 0;
+    quint8 ambientOn = 0;
+    quint8 emcViewAmbient = 0, emcViewAmbientH = 1, emcViewAmbientV = 0, emcCalcAmbient = 1;
+    qint16 emcAmbientDistance = 0; // dB
     qint16 emcRunActive = 0;
     quint8 emcStopRequest = 0;
     qint16 modeSwitchSettingsPrompt = 0;
@@ -176,6 +195,7 @@ struct AppState {
     quint8 autostoreOn = 0;
     quint8 autostorePrint = 0;
     qint32 autostoreCounter = 0;
+    QDateTime autostoreNextTime;
 
     QString headline = QStringLiteral("QUELT Instruments");
 

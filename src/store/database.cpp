@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "store/schema.h"
+#include "store/sqlite_file.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,55 +21,22 @@ const QString kCrCr = QStringLiteral("\r\r");
 const QString kInitTitle = QStringLiteral("Init Database");
 const QString kSelectTitle = QStringLiteral("Select Database");
 
-// Owns one named connection; the name is removed from Qt's registry when it goes.
-class OpenDatabase {
-public:
-    explicit OpenDatabase(QString name) : name_(std::move(name)) {}
-    ~OpenDatabase()
-    {
-        {
-            QSqlDatabase db = QSqlDatabase::database(name_, false);
-            db.close();
-        }
-        QSqlDatabase::removeDatabase(name_);
-    }
-    OpenDatabase(const OpenDatabase &) = delete;
-    OpenDatabase &operator=(const OpenDatabase &) = delete;
-
-    QSqlDatabase handle() const { return QSqlDatabase::database(name_, false); }
-
-private:
-    QString name_;
-};
-
-std::map<const Context *, std::unique_ptr<OpenDatabase>> &openDatabases()
+std::map<const Context *, std::unique_ptr<SqliteFile>> &openDatabases()
 {
     // Touch Qt's connection registry first, so that it outlives this map at exit.
     static const bool registryFirst = (QSqlDatabase::connectionNames(), true);
     Q_UNUSED(registryFirst);
-    static std::map<const Context *, std::unique_ptr<OpenDatabase>> databases;
+    static std::map<const Context *, std::unique_ptr<SqliteFile>> databases;
     return databases;
 }
-
-int connectionCounter = 0;
 
 // Opens `path` as the context's working database. A file that does not exist or does not open
 // leaves the previous connection in place.
 void openInto(const Context &ctx, const QString &path)
 {
-    if (!QFileInfo(path).isFile())
-        return;
-    const QString name = QStringLiteral("delfor-working-%1-%2")
-                             .arg(quintptr(&ctx), 0, 16)
-                             .arg(++connectionCounter);
-    auto opened = std::make_unique<OpenDatabase>(name);
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        if (!db.open())
-            return; // `opened` removes the connection again
-    }
-    openDatabases()[&ctx] = std::move(opened);
+    auto opened = std::make_unique<SqliteFile>(path);
+    if (opened->isOpen())
+        openDatabases()[&ctx] = std::move(opened);
 }
 
 // The last row of the version table; none for a file without rows or one that is no database.

@@ -1,10 +1,10 @@
 #include "store/schema.h"
+#include "store/sqlite_file.h"
 
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStringList>
-#include <QUuid>
 
 namespace {
 
@@ -155,12 +155,11 @@ bool writePristineDatabase(const QString &path)
 {
     if (QFile::exists(path) && !QFile::remove(path))
         return false;
-    const QString connection = QStringLiteral("delfor-pristine-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
     bool ok = false;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-        db.setDatabaseName(path);
-        if (db.open() && db.transaction()) {
+        SqliteFile file(path, SqliteFile::OpenMode::CreateIfMissing);
+        QSqlDatabase db = file.handle();
+        if (db.isOpen() && db.transaction()) {
             QSqlQuery query(db);
             ok = true;
             for (const TableSchema &table : workingTables())
@@ -170,9 +169,7 @@ bool writePristineDatabase(const QString &path)
             query.finish();
             ok = ok ? db.commit() : (db.rollback(), false);
         }
-        db.close();
     }
-    QSqlDatabase::removeDatabase(connection);
     if (!ok)
         QFile::remove(path);
     return ok;
