@@ -8,10 +8,12 @@
 #include "link/commands.h"
 #include "signal/trace_store.h"
 #include "sim/simulated_port.h"
+#include "store/measurement_file.h"
 
 #include <QFile>
 
 #include <QCoreApplication>
+#include <charconv>
 #include <cstdio>
 #include <optional>
 
@@ -19,7 +21,9 @@ namespace {
 
 const char kUsage[] =
     "usage: delfor-cli identify [--port DEVICE | --simulate[=MODEL]] [--baud RATE] [--timeout SECONDS]\n"
-    "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n";
+    "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n"
+    "                       [--mes FILE]\n"
+    "       delfor-cli info FILE\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -31,6 +35,8 @@ struct Options {
     int timeout = 4;
     QStringList traces{"sample"};
     QString csv = QStringLiteral("-");
+    std::optional<QString> mes;
+    QString file; // of info
 };
 
 int fail(const QString &message)
@@ -60,18 +66,24 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
             o.traces = value().split(',', Qt::SkipEmptyParts);
         else if (arg == "--csv")
             o.csv = value();
+        else if (arg == "--mes")
+            o.mes = value();
         else if (o.command.isEmpty() && !arg.startsWith('-'))
             o.command = arg;
+        else if (o.command == "info" && o.file.isEmpty() && !arg.startsWith('-'))
+            o.file = arg;
         else
             error = "unknown argument: " + arg;
     }
-    if (error.isEmpty() && o.command != "identify" && o.command != "read")
+    if (error.isEmpty() && o.command != "identify" && o.command != "read" && o.command != "info")
         error = o.command.isEmpty() ? "no command given" : "unknown command: " + o.command;
     for (const QString &trace : o.traces)
         if (error.isEmpty() && !kTraceNames.contains(trace))
             error = "unknown trace: " + trace + " (sample, average, maxhold or memory)";
-    if (error.isEmpty() && (o.traces.isEmpty() || o.csv.isEmpty()))
-        error = "--traces and --csv need a value";
+    if (error.isEmpty() && (o.traces.isEmpty() || o.csv.isEmpty() || (o.mes && o.mes->isEmpty())))
+        error = "--traces, --csv and --mes need a value";
+    if (error.isEmpty() && o.command == "info" && o.file.isEmpty())
+        error = "info needs a file";
     if (error.isEmpty() && std::find(std::begin(kBaudRates), std::end(kBaudRates), o.baud) == std::end(kBaudRates))
         error = "baud rate must be 4800, 9600, 19200, 38400 or 115200";
     if (error.isEmpty() && (o.timeout < 1 || o.timeout > 255))
@@ -161,6 +173,19 @@ bool writeOut(const QString &path, const QByteArray &bytes)
     return opened && file.write(bytes) == bytes.size() && file.flush();
 }
 
+// The traces just read as a .mes file, in the program's format.
+int writeMes(Context &ctx, const QString &path)
+{
+    ctx.state.measurementFileName = path;
+    if (!createMeasurementFile(ctx))
+        return fail("cannot create " + path);
+    writeTraceMeasurement(ctx);
+    const auto written = describeMeasurementFile(path);
+    if (!written || written->rowCount != ctx.state.pointCount || written->settings.isEmpty())
+        return fail("cannot write " + path);
+    return 0;
+}
+
 int read(Context &ctx, const Options &o)
 {
     if (!connected(ctx))
@@ -182,7 +207,34 @@ int read(Context &ctx, const Options &o)
     goLocal(ctx);
     if (!writeOut(o.csv, traceCsv(s, o.traces)))
         return fail("cannot write " + o.csv);
-    return 0;
+    return o.mes ? writeMes(ctx, *o.mes) : 0;
+}
+
+// A column's value as text; 32-bit floats in their shortest form.
+QString valueText(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::Float)
+        return value.toString();
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, value.toFloat()).ptr;
+    return QString::fromLatin1(text, end - text);
+}
+
+int info(const QString &path)
+{
+    const auto summary = describeMeasurementFile(path);
+    if (!summary)
+        return fail(path + " is no measurement file");
+    QByteArray out;
+    for (const auto &[column, value] : summary->settings)
+        out += (column + ": " + valueText(value) + '\n').toUtf8();
+    out += "rows: " + QByteArray::number(summary->rowCount) + '\n';
+    if (summary->startFrequency && summary->stopFrequency)
+        out += ("frequency range: " + valueText(*summary->startFrequency) + " - " + valueText(*summary->stopFrequency)
+                + " MHz\n").toUtf8();
+    else
+        out += "frequency range: none\n";
+    return writeOut("-", out) ? 0 : 1;
 }
 
 } // namespace
@@ -198,6 +250,8 @@ int main(int argc, char **argv)
         std::fputs(kUsage, stderr);
         return fail(error);
     }
+    if (options->command == "info")
+        return info(options->file);
     Analyser analyser;
     const auto ctx = openContext(*options, analyser);
     return options->command == "read" ? read(*ctx, *options) : identify(*ctx);

@@ -9,6 +9,7 @@
 #include "signal/trace_store.h"
 #include "sim/simulated_port.h"
 #include "store/database.h"
+#include "store/loss_gain.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -30,9 +31,7 @@ void setDefaults(Context &ctx)
 
 void enterStoredMode(Context &ctx)
 {
-    const auto &enter = ctx.state.emcMode > 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode;
-    if (enter)
-        enter();
+    call(ctx.state.emcMode > 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode);
 }
 
 } // namespace
@@ -44,12 +43,10 @@ void loadMainFrame(Context &ctx)
     QDir().mkpath(ctx.dataFolder);
     setDefaults(ctx);
     readSettingsFile(ctx);
-    if (ctx.calls.openWorkingDatabase)
-        ctx.calls.openWorkingDatabase();
+    call(ctx.calls.openWorkingDatabase);
     openStartupPort(ctx);
     enterStoredMode(ctx);
-    if (ctx.calls.clearTraces)
-        ctx.calls.clearTraces();
+    call(ctx.calls.clearTraces);
     ctx.state.repaintRequest = 1;
 }
 
@@ -89,6 +86,7 @@ std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
         Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
     program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     attachSignalProcessing(*program->ctx);
+    attachStore(*program->ctx);
     program->ctx->calls.openWorkingDatabase = [ctx = program->ctx.get()] { openWorkingDatabase(*ctx); };
     return program;
 }

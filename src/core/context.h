@@ -29,6 +29,14 @@ struct SubsystemCalls {
     std::function<void()> refreshConfiguration;
     // The rows of table losdef for one component, in frequency order.
     std::function<QList<ComponentRow>(qint32 losnr)> componentRows;
+    // The chart drawn anew (the form grafik is up) and the duties the timers and commands
+    // hand on to subsystems that come later: autostore, the stepped scan, the immediate
+    // print, the test in force.
+    std::function<void()> paintChart;
+    std::function<void()> autostoreNow;
+    std::function<void()> steppedScanStep;
+    std::function<void()> printNow;
+    std::function<void()> applyEmcTest;
 };
 
 class Context {
@@ -56,6 +64,13 @@ private:
     FrameControls offscreenFrame_;
     FrameControls *frame_ = &offscreenFrame_;
 };
+
+// Runs a hook when a subsystem has set it.
+inline void call(const std::function<void()> &hook)
+{
+    if (hook)
+        hook();
+}
 
 // Hourglass pointer and the flag `busy`.
 void setBusy(Context &ctx);

@@ -1,24 +1,33 @@
 #include "core/main_frame.h"
 
+#include "chart/grafik.h"
 #include "core/app.h"
 #include "link/boxcom_form.h"
+#include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
 #include "link/tr_form.h"
 #include "signal/trace_store.h"
+#include "store/database.h"
+#include "store/measurement_file.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QTimer>
 #include <QToolBar>
+#include <QUrl>
 
 #include <cmath>
 
@@ -26,7 +35,7 @@ namespace {
 
 constexpr int kHiddenSetupClicks = 5;
 
-QPixmap pictureOfSpectrum()
+QPixmap pictureOfTrace()
 {
     QPixmap pixmap(56, 28);
     pixmap.fill(Qt::black);
@@ -71,6 +80,20 @@ QCheckBox *checkBox(const char *name, const QString &caption, QWidget *parent)
     return box;
 }
 
+const QString kSelectMeasurement = QStringLiteral("Select Measurement");
+constexpr int kOpenMeasurementFlags = 6148; // path and file must exist, hide read-only
+constexpr int kSaveMeasurementFlags = 8198; // overwrite prompt, hide read-only, create prompt
+constexpr int kTwipsPerPixel = 15;
+constexpr int kGrafikMinWidth = 10215; // twips
+constexpr int kGrafikMinHeight = 8050;
+
+bool isDefaultGeometry(const FormGeometry &g)
+{
+    const FormGeometry fresh;
+    return g.grafikLeft == fresh.grafikLeft && g.grafikTop == fresh.grafikTop && g.grafikWidth == fresh.grafikWidth
+           && g.grafikHeight == fresh.grafikHeight && g.grafikWindowState == fresh.grafikWindowState;
+}
+
 } // namespace
 
 MainFrame::MainFrame(Context &ctx, QWidget *parent) : QMainWindow(parent), ctx_(ctx), mdi_(new QMdiArea(this))
@@ -81,16 +104,18 @@ MainFrame::MainFrame(Context &ctx, QWidget *parent) : QMainWindow(parent), ctx_(
     buildToolBar();
     buildMenu();
     buildTimers();
-    resize(1000, 700);
+    resize(1100, 760);
     ctx_.attachFrame(this);
     ctx_.calls.enterNormalMode = [this] { enterNormalMode(); };
     ctx_.calls.enterEmcMode = [this] { enterEmcMode(); };
+    ctx_.calls.paintChart = [this] { paintChart(); };
 }
 
 MainFrame::~MainFrame()
 {
     ctx_.calls.enterNormalMode = nullptr;
     ctx_.calls.enterEmcMode = nullptr;
+    ctx_.calls.paintChart = nullptr;
     ctx_.attachFrame(nullptr);
     if (busyCursor)
         QApplication::restoreOverrideCursor();
@@ -98,38 +123,54 @@ MainFrame::~MainFrame()
 
 void MainFrame::buildToolBar()
 {
-    auto *bar = addToolBar(QStringLiteral("Tools"));
+    auto *bar = toolBar_ = addToolBar(QStringLiteral("Tools"));
     bar->setObjectName(QStringLiteral("toolBar"));
     bar->setMovable(false);
     ckrm_ = checkBox("ckrm", QStringLiteral("RM"), bar);
     ckauto_ = checkBox("ckauto", QStringLiteral("Auto"), bar);
-    auto *command6 = new QPushButton(QStringLiteral("Toolbox"), bar);
-    command6->setObjectName(QStringLiteral("Command6"));
-    picture1_ = new QLabel(bar);
-    picture1_->setObjectName(QStringLiteral("Picture1"));
-    picture1_->setPixmap(pictureOfSpectrum());
-    picture1_->installEventFilter(this);
-    auto *spacer = new QWidget(bar);
-    spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-
     bar->addWidget(ckrm_);
     bar->addWidget(ckauto_);
+    const auto command = [this, bar](const char *name, const QString &caption, auto slot) {
+        auto *button = new QPushButton(caption, bar);
+        button->setObjectName(QLatin1String(name));
+        connect(button, &QPushButton::clicked, this, slot);
+        return bar->addWidget(button);
+    };
+    command("Command2", QStringLiteral("Read"), &MainFrame::readClicked);
+    command("Command3", QStringLiteral("Set/Read"), &MainFrame::setReadClicked);
+    command("Command4", QStringLiteral("Erase"), &MainFrame::eraseClicked);
+    command("Command7", QStringLiteral("Refresh Chart"), &MainFrame::refreshChartClicked);
+    // Print and Notes open their forms once the report and the notes are part of the program.
+    command("Command1", QStringLiteral("Print"), [] {})->setEnabled(false);
+    command("Command5", QStringLiteral("Notes"), [] {})->setEnabled(false);
     // Hidden through its action: a widget in a tool bar is shown and hidden by the action that holds it.
-    toolboxAction_ = bar->addWidget(command6);
+    toolboxAction_ = command("Command6", QStringLiteral("Toolbox"), &MainFrame::toolboxClicked);
     toolboxAction_->setVisible(false);
+    auto *spacer = new QWidget(bar);
+    spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     bar->addWidget(spacer);
+    picture1_ = new QLabel(bar);
+    picture1_->setObjectName(QStringLiteral("Picture1"));
+    picture1_->setPixmap(pictureOfTrace());
+    picture1_->installEventFilter(this);
     bar->addWidget(picture1_);
 
     connect(ckrm_, &QCheckBox::clicked, this, &MainFrame::remoteClicked);
     connect(ckauto_, &QCheckBox::clicked, this, &MainFrame::autoClicked);
-    connect(command6, &QPushButton::clicked, this, &MainFrame::toolboxClicked);
 }
 
 void MainFrame::buildMenu()
 {
-    const auto menu = [this](const char *name, const QString &caption) {
+    const auto menu = [](QMenu *parent, const char *name, const QString &caption) {
+        QMenu *m = parent->addMenu(caption);
+        m->setObjectName(QLatin1String(name));
+        m->menuAction()->setObjectName(QLatin1String(name));
+        return m;
+    };
+    const auto top = [this](const char *name, const QString &caption) {
         QMenu *m = menuBar()->addMenu(caption);
         m->setObjectName(QLatin1String(name));
+        m->menuAction()->setObjectName(QLatin1String(name));
         return m;
     };
     const auto item = [this](QMenu *parent, const char *name, const QString &caption, auto slot) {
@@ -138,25 +179,191 @@ void MainFrame::buildMenu()
         connect(action, &QAction::triggered, this, slot);
         return action;
     };
-    QMenu *data = menu("mnuKonfiguration", QStringLiteral("&Data"));
+    // Items whose forms are not part of the program yet stand in the menu, disabled.
+    const auto later = [](QMenu *parent, const char *name, const QString &caption) {
+        QAction *action = parent->addAction(caption);
+        action->setObjectName(QLatin1String(name));
+        action->setEnabled(false);
+        return action;
+    };
+
+    QMenu *data = top("mnuKonfiguration", QStringLiteral("&Data"));
+    QMenu *load = menu(data, "mnuload", QStringLiteral("&Load"));
+    later(load, "mnulsettings", QStringLiteral("&Settings"));
+    item(load, "mnulmeasure", QStringLiteral("&Measurements"), &MainFrame::loadMeasurementClicked);
+    mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
+    later(mnusave_, "mnussettings", QStringLiteral("&Settings"));
+    item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
+    later(data, "mnuprint", QStringLiteral("&Print"));
+    item(data, "mnuprsetup", QStringLiteral("Prin&ter setup"), &MainFrame::printerSetupClicked);
+    item(data, "mnuseldata", QStringLiteral("D&atabase selection"), &MainFrame::databaseSelectionClicked);
     item(data, "mnuBeenden", QStringLiteral("E&xit"), &MainFrame::exitClicked);
-    QMenu *settings = menu("settings", QStringLiteral("&Settings"));
+
+    QMenu *settings = top("settings", QStringLiteral("&Settings"));
     item(settings, "mnuconf", QStringLiteral("&Configuration"), &MainFrame::configurationClicked);
+    later(settings, "mnucolor", QStringLiteral("Color &definition"));
+    // The level meter's window comes with the colour forms; until then the item only keeps its check.
+    settings->addAction(QStringLiteral("&View Levelmeter"))->setObjectName(QStringLiteral("mnulevelmeter"));
+    findChild<QAction *>(QStringLiteral("mnulevelmeter"))->setCheckable(true);
+    QMenu *mode = menu(settings, "mnumode", QStringLiteral("&Mode"));
+    item(mode, "mnunormal", QStringLiteral("&Normal"), &MainFrame::normalModeClicked)->setCheckable(true);
+    item(mode, "mnuemc", QStringLiteral("&EMC"), &MainFrame::emcModeClicked)->setCheckable(true);
+    later(settings, "mnuautostore", QStringLiteral("&Autostore"));
+
+    QMenu *help = top("mnuhlp", QStringLiteral("&Help"));
+    QMenu *manuals = menu(help, "mnuhelp", QStringLiteral("&Help"));
+    item(manuals, "mnuhlp_deu", QStringLiteral("&Handbuch (Deutsch - PDF)"),
+         [this] { manualClicked(QStringLiteral("delfor_d.pdf")); });
+    item(manuals, "mnuhlp_eng", QStringLiteral("&Manual (English - PDF)"),
+         [this] { manualClicked(QStringLiteral("delfor_e.pdf")); });
+    item(help, "mnuabout", QStringLiteral("&About/Support"), &MainFrame::aboutClicked);
 }
 
 void MainFrame::buildTimers()
 {
-    // Their ticks get their duties with reading, scanning and the unsolicited input.
+    // Intervals of the form; nothing changes them. Timer2 is the stepped scan's and Timer3 is
+    // never enabled.
     const int intervals[] = {1000, 10, 20, 1000};
+    void (MainFrame::*ticks[])() = {&MainFrame::timer1Tick, &MainFrame::timer2Tick, &MainFrame::timer3Tick,
+                                    &MainFrame::timer4Tick};
     for (int i = 0; i < 4; ++i) {
         auto *timer = new QTimer(this);
         timer->setObjectName(QStringLiteral("Timer%1").arg(i + 1));
         timer->setInterval(intervals[i]);
-        if (i == 0 || i == 3)
-            timer->start();
-        if (i == 3)
-            timer4_ = timer;
+        connect(timer, &QTimer::timeout, this, ticks[i]);
+        timers_[i] = timer;
     }
+    timers_[0]->start();
+    timers_[3]->start();
+}
+
+void MainFrame::timer1Tick()
+{
+    AppState &s = ctx_.state;
+    if (s.autoReading == 1)
+        readTraces(ctx_);
+    if (s.autostoreOn == 1 && s.autoReading == 1) {
+        const QDateTime now = ctx_.clock.now();
+        if (!s.autostoreNextTime.isValid() || s.autostoreNextTime.secsTo(now) >= 0) {
+            call(ctx_.calls.autostoreNow);
+            s.autostoreNextTime = now.addSecs(s.autostoreInterval);
+        }
+    }
+    // The one place where a requested repaint happens: many requests in a tick make one paint.
+    if (s.repaintRequest == 1) {
+        paintChart();
+        s.repaintRequest = 0;
+    }
+}
+
+void MainFrame::timer2Tick()
+{
+    timers_[1]->stop();
+    ctx_.state.repaintRequest = 0;
+    call(ctx_.calls.steppedScanStep);
+}
+
+void MainFrame::timer3Tick() { ++ctx_.state.timer3Ticks; }
+
+void MainFrame::timer4Tick()
+{
+    AppState &s = ctx_.state;
+    if (!ctx_.port.isOpen() || s.emcRunActive != 0 || ctx_.port.bytesWaiting() <= 0)
+        return;
+    setTimer4Enabled(false);
+    QByteArray input;
+    while (ctx_.port.bytesWaiting() > 0)
+        input += ctx_.port.readByte();
+    // The print key of the analyser: read the unit and print at once.
+    if (input.contains("PR")) {
+        if (s.emcMode != 0)
+            enterNormalMode();
+        if (s.online == 0)
+            connectUnit(ctx_);
+        readAllSettings(ctx_);
+        readTraces(ctx_);
+        call(ctx_.calls.printNow);
+        goLocal(ctx_);
+    }
+    // The analyser left remote by its own key; it is told nothing.
+    if (input.contains("LO")) {
+        s.autoReadOn = 0;
+        s.online = 0;
+        setRemoteChecked(false);
+        setAutoChecked(false);
+        setCaption(offlineCaption());
+    }
+    setTimer4Enabled(true);
+}
+
+void MainFrame::showGrafik()
+{
+    if (!grafik_) {
+        grafik_ = new GrafikForm(ctx_);
+        grafikWindow_ = mdi_->addSubWindow(grafik_);
+        const FormGeometry &g = ctx_.state.geometry;
+        grafikWindow_->setGeometry(g.grafikLeft / kTwipsPerPixel, g.grafikTop / kTwipsPerPixel,
+                                   qMax<int>(g.grafikWidth, kGrafikMinWidth) / kTwipsPerPixel,
+                                   qMax<int>(g.grafikHeight, kGrafikMinHeight) / kTwipsPerPixel);
+        // Until a window was kept in setting.def the chart takes the whole frame.
+        if (g.grafikWindowState == 2 || isDefaultGeometry(g))
+            grafikWindow_->showMaximized();
+    }
+    grafikWindow_->show();
+}
+
+void MainFrame::applyModeControls(bool emc)
+{
+    const auto act = [this](const char *name) { return findChild<QAction *>(QLatin1String(name)); };
+    act("mnunormal")->setChecked(!emc);
+    act("mnuemc")->setChecked(emc);
+    tool("Command6")->setEnabled(!emc);
+    mnusave_->menuAction()->setEnabled(!emc);
+    act("mnulsettings")->setEnabled(false); // the settings forms are not part of the program yet
+    for (const char *name : {"ckauto", "Command2", "Command3", "Command4"})
+        tool(name)->setEnabled(!emc);
+    act("mnulevelmeter")->setEnabled(emc);
+    grafik_->applyMode(emc);
+}
+
+QWidget *MainFrame::tool(const char *name) const
+{
+    // grafik has controls of the same names; the tool bar's are meant here.
+    return toolBar_->findChild<QWidget *>(QLatin1String(name));
+}
+
+void MainFrame::enterNormalMode()
+{
+    AppState &s = ctx_.state;
+    s.emcMode = 0;
+    showGrafik();
+    applyModeControls(false);
+    call(ctx_.calls.clearTraces);
+    s.viewSample = 1;
+    s.viewMaxhold = s.viewAverage = s.viewMemoryB = s.viewMemoryAB = s.viewQPeak = 0;
+    call(ctx_.calls.refreshConfiguration);
+    call(ctx_.calls.refreshUnits);
+    call(ctx_.calls.refreshLimits);
+    s.emcRunActive = 0;
+    findChild<QAction *>(QStringLiteral("mnulevelmeter"))->setChecked(false);
+    s.chart.zoomOn = false;
+    paintChart();
+}
+
+void MainFrame::enterEmcMode()
+{
+    ctx_.state.emcMode = 1;
+    showGrafik();
+    applyModeControls(true);
+    call(ctx_.calls.clearTraces);
+    call(ctx_.calls.applyEmcTest);
+    paintChart();
+}
+
+void MainFrame::paintChart()
+{
+    if (grafik_)
+        grafik_->paintChart();
 }
 
 void MainFrame::setCaption(const QString &text)
@@ -183,13 +390,20 @@ void MainFrame::setToolboxVisible(bool on)
     toolboxAction_->setVisible(on);
 }
 
+void MainFrame::setUncalVisible(bool on)
+{
+    FrameControls::setUncalVisible(on);
+    if (grafik_)
+        grafik_->setUncalVisible(on);
+}
+
 void MainFrame::setTimer4Enabled(bool on)
 {
     FrameControls::setTimer4Enabled(on);
     if (on)
-        timer4_->start();
+        timers_[3]->start();
     else
-        timer4_->stop();
+        timers_[3]->stop();
 }
 
 void MainFrame::setBusyCursor(bool on)
@@ -218,16 +432,17 @@ void MainFrame::closeBoxcom()
         boxcom_->close();
 }
 
-void MainFrame::enterNormalMode()
+void MainFrame::takeFormGeometry(FormGeometry &g)
 {
-    ctx_.state.emcMode = 0;
-    clearTraces(ctx_);
-}
-
-void MainFrame::enterEmcMode()
-{
-    ctx_.state.emcMode = 1;
-    clearTraces(ctx_);
+    if (!grafikWindow_ || !grafikWindow_->isVisible())
+        return;
+    g.grafikWindowState = grafikWindow_->isMaximized() ? 2 : grafikWindow_->isMinimized() ? 1 : 0;
+    const QRect r = grafikWindow_->geometry();
+    const auto twips = [](int pixels) { return qint16(qBound(0, pixels * kTwipsPerPixel, 32767)); };
+    g.grafikLeft = twips(r.x());
+    g.grafikTop = twips(r.y());
+    g.grafikWidth = twips(r.width());
+    g.grafikHeight = twips(r.height());
 }
 
 void MainFrame::closeEvent(QCloseEvent *event)
@@ -277,6 +492,36 @@ void MainFrame::autoClicked(bool checked)
     }
 }
 
+void MainFrame::readClicked()
+{
+    if (ctx_.state.online == 0)
+        connectUnit(ctx_);
+    readAllSettings(ctx_);
+    readTraces(ctx_);
+}
+
+void MainFrame::setReadClicked()
+{
+    if (ctx_.state.online == 0)
+        connectUnit(ctx_);
+    sendAllSettings(ctx_);
+    readAllSettings(ctx_);
+    readTraces(ctx_);
+}
+
+void MainFrame::eraseClicked() { call(ctx_.calls.clearTraces); }
+
+void MainFrame::refreshChartClicked()
+{
+    if (ctx_.state.emcMode != 0) {
+        if (ctx_.state.emcRunActive == 0)
+            ctx_.state.repaintRequest = 1;
+        return;
+    }
+    readClicked();
+    findChild<QAction *>(QStringLiteral("mnusmeasurement"))->setEnabled(true);
+}
+
 void MainFrame::toolboxClicked()
 {
     ctx_.state.autoReading = 0;
@@ -289,6 +534,66 @@ void MainFrame::pictureClicked()
         return;
     ctx_.state.debugClickCount = 0;
     runHiddenSetup(ctx_);
+}
+
+void MainFrame::loadMeasurementClicked()
+{
+    AppState &s = ctx_.state;
+    FileDialogRequest request;
+    request.title = kSelectMeasurement;
+    request.filter = QStringLiteral("Measurement (*.MES) |*.MES|EMC (*.emc) |*.emc");
+    request.filterIndex = s.emcMode != 0 ? 2 : 1;
+    request.defaultExtension = rememberedExtension_.right(3);
+    request.flags = kOpenMeasurementFlags;
+    const std::optional<QString> chosen = ctx_.prompts.openFileDialog(request);
+    setBusy(ctx_);
+    if (chosen) {
+        s.measurementFileName = *chosen;
+        rememberedExtension_ = QFileInfo(*chosen).suffix();
+        if (ckrm_->isChecked())
+            goLocal(ctx_);
+        setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
+        readMeasurementFile(ctx_);
+        findChild<QAction *>(QStringLiteral("mnusmeasurement"))->setEnabled(false);
+        s.repaintRequest = 1;
+    } else {
+        // A cancel gets the same words as a file that is not there.
+        ctx_.prompts.messageBox(kSelectMeasurement, QStringLiteral("File not found ( ")
+                                                        + s.measurementFileName.trimmed() + QStringLiteral(" )"));
+    }
+    clearBusy(ctx_);
+}
+
+void MainFrame::saveMeasurementClicked()
+{
+    FileDialogRequest request;
+    request.title = kSelectMeasurement;
+    request.filter = QStringLiteral("Measurement (*.mes) |*.mes");
+    request.defaultExtension = QStringLiteral("MES");
+    request.flags = kSaveMeasurementFlags;
+    const std::optional<QString> chosen = ctx_.prompts.saveFileDialog(request);
+    if (!chosen)
+        return;
+    setBusy(ctx_);
+    QFile::remove(*chosen);
+    ctx_.state.measurementFileName = *chosen;
+    if (createMeasurementFile(ctx_))
+        writeTraceMeasurement(ctx_);
+    clearBusy(ctx_);
+}
+
+void MainFrame::printerSetupClicked() { ctx_.prompts.printerSetup(); }
+
+void MainFrame::databaseSelectionClicked()
+{
+    if (grafikWindow_)
+        grafikWindow_->hide();
+    selectDatabase(ctx_);
+    // The mode flips on every database selection.
+    if (ctx_.state.emcMode > 0)
+        enterNormalMode();
+    else
+        enterEmcMode();
 }
 
 void MainFrame::exitClicked()
@@ -306,4 +611,45 @@ void MainFrame::configurationClicked()
         boxcom_ = new BoxcomForm(ctx_, this);
     boxcom_->show();
     boxcom_->raise();
+}
+
+void MainFrame::normalModeClicked()
+{
+    findChild<QAction *>(QStringLiteral("mnunormal"))->setChecked(ctx_.state.emcMode == 0);
+    if (ctx_.state.emcMode == 0)
+        return;
+    // Loading the settings first is offered; the settings forms are not part of the program
+    // yet, so either answer enters the mode at once.
+    ctx_.prompts.messageBox(QStringLiteral("Select Normal-Mode"), QStringLiteral("Do you want to load the settings"),
+                            MsgButtons::YesNo);
+    enterNormalMode();
+}
+
+void MainFrame::emcModeClicked()
+{
+    findChild<QAction *>(QStringLiteral("mnuemc"))->setChecked(ctx_.state.emcMode != 0);
+    if (ctx_.state.emcMode != 0)
+        return;
+    ctx_.prompts.messageBox(QStringLiteral("Select EMC-Mode"), QStringLiteral("Do you want to save the settings"),
+                            MsgButtons::YesNo);
+    enterEmcMode();
+}
+
+void MainFrame::manualClicked(const QString &fileName)
+{
+    setBusy(ctx_);
+    const QString path = QCoreApplication::applicationDirPath() + QLatin1Char('/') + fileName;
+    if (QFile::exists(path))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    else
+        ctx_.prompts.messageBox(QStringLiteral("Manual"), QStringLiteral("File not found ( ") + path
+                                                              + QStringLiteral(" )"));
+    clearBusy(ctx_);
+}
+
+void MainFrame::aboutClicked()
+{
+    ctx_.prompts.messageBox(QStringLiteral("About/Support"),
+                            kTitle + QStringLiteral("\r\rRemote control, trace display and EMC pre-compliance "
+                                                    "tests for the analysers K310-A, K320-A and K550-B."));
 }

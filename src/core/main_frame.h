@@ -1,6 +1,6 @@
 #pragma once
 // The main frame MDI: the shell of the program with its tool bar, menu, four timers and the
-// status caption. Child forms live in its MDI area.
+// status caption. The chart form grafik and the other forms live in its MDI area.
 
 #include "core/context.h"
 #include "core/frame_controls.h"
@@ -12,8 +12,13 @@ class QAction;
 class QCheckBox;
 class QLabel;
 class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QPushButton;
 class QTimer;
+class QToolBar;
 class BoxcomForm;
+class GrafikForm;
 class TrForm;
 
 class MainFrame : public QMainWindow, public FrameControls {
@@ -26,13 +31,23 @@ public:
     void setRemoteChecked(bool on) override;
     void setAutoChecked(bool on) override;
     void setToolboxVisible(bool on) override;
+    void setUncalVisible(bool on) override;
     void setTimer4Enabled(bool on) override;
     void setBusyCursor(bool on) override;
     void setMonitorLabel(MonitorLabel label, const QString &text) override;
     void closeBoxcom() override;
+    void takeFormGeometry(FormGeometry &geometry) override;
 
     void enterNormalMode();
     void enterEmcMode();
+    void paintChart();
+    GrafikForm *grafik() const { return grafik_; }
+
+    // The timers' duties; the QTimers named Timer1..Timer4 call them.
+    void timer1Tick();
+    void timer2Tick();
+    void timer3Tick();
+    void timer4Tick();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -42,21 +57,41 @@ private:
     void buildToolBar();
     void buildMenu();
     void buildTimers();
+    void showGrafik();
+    void applyModeControls(bool emc);
+    QWidget *tool(const char *name) const;
     void remoteClicked(bool checked);
     void autoClicked(bool checked);
+    void readClicked();
+    void setReadClicked();
+    void eraseClicked();
+    void refreshChartClicked();
     void toolboxClicked();
     void pictureClicked();
+    void loadMeasurementClicked();
+    void saveMeasurementClicked();
+    void printerSetupClicked();
+    void databaseSelectionClicked();
     void exitClicked();
     void configurationClicked();
+    void normalModeClicked();
+    void emcModeClicked();
+    void manualClicked(const QString &fileName);
+    void aboutClicked();
 
     Context &ctx_;
     QMdiArea *mdi_;
+    QToolBar *toolBar_ = nullptr;
     QCheckBox *ckrm_ = nullptr;
     QCheckBox *ckauto_ = nullptr;
     QAction *toolboxAction_ = nullptr;
     QLabel *picture1_ = nullptr;
-    QTimer *timer4_ = nullptr;
+    QTimer *timers_[4] = {};
+    QMenu *mnusave_ = nullptr;
+    GrafikForm *grafik_ = nullptr;
+    QMdiSubWindow *grafikWindow_ = nullptr;
     QPointer<TrForm> tr_;
     QPointer<BoxcomForm> boxcom_;
+    QString rememberedExtension_ = QStringLiteral("MES");
     bool unloaded_ = false;
 };

@@ -1,10 +1,13 @@
 #include "store/data_view.h"
 
+#include <QHash>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 namespace {
@@ -106,6 +109,9 @@ void DataView::close()
     m_order.clear();
     m_rowids.clear();
     m_rows.clear();
+    m_complete.clear();
+    m_columnLoaded.clear();
+    m_singleReads = 0;
     m_pos = -1;
     m_afterDelete = false;
     m_noMatch = false;
@@ -246,6 +252,9 @@ void DataView::refresh()
     const qint64 currentRowid = hasCurrent() ? m_rowids[m_pos] : -1;
     m_rowids.clear();
     m_rows.clear();
+    m_complete.clear();
+    m_columnLoaded = QList<bool>(m_columns.size(), false);
+    m_singleReads = 0;
     m_pos = -1;
     m_afterDelete = false;
     m_mode = Mode::Browse;
@@ -254,9 +263,22 @@ void DataView::refresh()
     if (m_table.isEmpty() || !m_db.isOpen())
         return;
 
+    // A snapshot is a copy and reads everything now; an updatable set reads the columns of its
+    // where and order parts now (the engine reads them anyway) and the rest when it is used.
+    QList<int> wanted = m_hasWhere ? criteriaColumns(m_where) : QList<int>();
+    for (const auto &[column, descending] : std::as_const(m_order)) {
+        if (!wanted.contains(column))
+            wanted.append(column);
+    }
+    if (isReadOnly()) {
+        wanted = QList<int>(m_columns.size());
+        std::iota(wanted.begin(), wanted.end(), 0);
+    }
+    // A row holds values up to the last column read so far: short rows keep a large set cheap.
+    const qsizetype wantedWidth = wanted.isEmpty() ? 0 : *std::max_element(wanted.begin(), wanted.end()) + 1;
     QStringList names{QStringLiteral("rowid")};
-    for (const ColumnInfo &c : m_columns)
-        names << quoted(c.name);
+    for (int k : wanted)
+        names << quoted(m_columns[k].name);
     QString sql = QStringLiteral("SELECT %1 FROM %2").arg(names.join(u','), quoted(m_table));
     QStringList order;
     for (const auto &[column, descending] : std::as_const(m_order)) {
@@ -276,21 +298,89 @@ void DataView::refresh()
         m_error = q.lastError().text();
         return;
     }
-    const int n = static_cast<int>(m_columns.size());
     while (q.next()) {
-        QVariantList row;
-        row.reserve(n);
-        for (int k = 0; k < n; ++k)
-            row.append(q.value(k + 1));
+        QVariantList row(wantedWidth);
+        for (int j = 0; j < wanted.size(); ++j)
+            row[wanted[j]] = q.value(j + 1);
         if (m_hasWhere && !m_where.matches(row))
             continue;
         m_rowids.append(q.value(0).toLongLong());
         m_rows.append(std::move(row));
     }
+    m_complete = QList<bool>(m_rows.size(), isReadOnly());
+    for (int k : wanted)
+        m_columnLoaded[k] = true;
     if (m_rows.isEmpty())
         return;
     const int again = currentRowid >= 0 ? indexOfRowid(currentRowid) : -1;
     m_pos = again >= 0 ? again : 0;
+}
+
+QList<int> DataView::criteriaColumns(const Criteria &criteria) const
+{
+    QList<int> columns;
+    for (const Condition &c : criteria.conditions()) {
+        const int k = columnIndex(c.column);
+        if (k >= 0 && !columns.contains(k))
+            columns.append(k);
+    }
+    return columns;
+}
+
+void DataView::loadColumns(const QList<int> &columns) const
+{
+    QList<int> missing;
+    for (int k : columns) {
+        if (!m_columnLoaded[k])
+            missing.append(k);
+    }
+    if (missing.isEmpty())
+        return;
+    for (int k : missing)
+        m_columnLoaded[k] = true;
+    if (m_rows.isEmpty() || !m_db.isOpen())
+        return;
+    QHash<qint64, int> indexOf;
+    indexOf.reserve(m_rowids.size());
+    for (int i = 0; i < m_rowids.size(); ++i)
+        indexOf.insert(m_rowids[i], i);
+    QStringList names{QStringLiteral("rowid")};
+    for (int k : missing)
+        names << quoted(m_columns[k].name);
+    const qsizetype width = *std::max_element(missing.begin(), missing.end()) + 1;
+    QSqlQuery q(m_db);
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT %1 FROM %2").arg(names.join(u','), quoted(m_table))))
+        return;
+    while (q.next()) {
+        const auto found = indexOf.constFind(q.value(0).toLongLong());
+        if (found == indexOf.cend())
+            continue;
+        QVariantList &row = m_rows[*found];
+        if (row.size() < width)
+            row.resize(width);
+        for (int j = 0; j < missing.size(); ++j)
+            row[missing[j]] = q.value(j + 1);
+    }
+}
+
+const QVariantList &DataView::fullRow(int k) const
+{
+    constexpr int kSingleReads = 8;
+    if (m_complete[k])
+        return m_rows[k];
+    if (m_singleReads < kSingleReads) {
+        ++m_singleReads;
+        if (const std::optional<QVariantList> row = readRow(m_rowids[k]))
+            m_rows[k] = *row;
+        m_complete[k] = true;
+        return m_rows[k];
+    }
+    QList<int> all(m_columns.size());
+    std::iota(all.begin(), all.end(), 0);
+    loadColumns(all);
+    m_complete.fill(true);
+    return m_rows[k];
 }
 
 int DataView::indexOfRowid(qint64 rowid) const
@@ -339,6 +429,7 @@ bool DataView::find(const QString &criterion, int from, int step)
     m_noMatch = true;
     if (!c.bind(m_columns))
         return false;
+    loadColumns(criteriaColumns(c));
     for (int k = from; k >= 0 && k < rowCount(); k += step) {
         if (c.matches(m_rows[k])) {
             m_pos = k;
@@ -373,7 +464,7 @@ QVariant DataView::value(const QString &column) const
         return m_pending.value(k);
     if (!hasCurrent())
         return {};
-    return m_rows[m_pos][k];
+    return fullRow(m_pos).value(k);
 }
 
 // The value as this column stores it; invalid when it cannot be stored there.
@@ -449,7 +540,8 @@ bool DataView::edit()
     if (isReadOnly() || !hasCurrent() || m_afterDelete)
         return false;
     m_mode = Mode::Editing;
-    m_pending = m_rows[m_pos];
+    m_pending = fullRow(m_pos);
+    m_pending.resize(m_columns.size());
     m_dirty.clear();
     return true;
 }
@@ -500,7 +592,7 @@ bool DataView::update()
     if (m_mode == Mode::Editing)
         q.addBindValue(m_rowids[m_pos]);
 
-    if (!runWrite(q)) {
+    if (!runWrite(q, [&] { return q.exec(); })) {
         cancelUpdate();
         return false;
     }
@@ -517,24 +609,64 @@ bool DataView::update()
         if (belongs) {
             m_rowids.append(rowid);
             m_rows.append(*row);
+            m_complete.append(true);
             m_pos = rowCount() - 1;
             m_afterDelete = false;
         }
     } else {
         m_rows[m_pos] = *row;
+        m_complete[m_pos] = true;
     }
     return true;
 }
 
-bool DataView::runWrite(QSqlQuery &query)
+template <typename Write>
+bool DataView::runWrite(QSqlQuery &query, Write write)
 {
+    // Inside a transaction that the caller opened on this connection SQLite refuses the BEGIN,
+    // and the write becomes part of the caller's transaction.
     const bool own = m_db.transaction();
-    if (query.exec() && (!own || m_db.commit()))
+    if (write() && (!own || m_db.commit()))
         return true;
     m_error = query.lastError().text();
     if (own)
         m_db.rollback();
     return false;
+}
+
+bool DataView::appendRows(const QStringList &columns, const QList<QVariantList> &rows)
+{
+    if (isReadOnly() || m_table.isEmpty() || !m_db.isOpen() || columns.isEmpty())
+        return false;
+    QList<int> indexes;
+    QStringList names, marks;
+    for (const QString &column : columns) {
+        const int k = columnIndex(column);
+        if (k < 0)
+            return false;
+        indexes << k;
+        names << quoted(m_columns[k].name);
+        marks << QStringLiteral("?");
+    }
+    for (const QVariantList &row : rows) {
+        if (row.size() != indexes.size())
+            return false;
+    }
+    QSqlQuery q(m_db);
+    if (!q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                       .arg(quoted(m_table), names.join(u','), marks.join(u',')))) {
+        m_error = q.lastError().text();
+        return false;
+    }
+    return runWrite(q, [&] {
+        for (const QVariantList &row : rows) {
+            for (int j = 0; j < indexes.size(); ++j)
+                q.bindValue(j, storedForm(indexes[j], row[j]));
+            if (!q.exec())
+                return false;
+        }
+        return true;
+    });
 }
 
 bool DataView::deleteRow()
@@ -545,10 +677,11 @@ bool DataView::deleteRow()
     QSqlQuery q(m_db);
     q.prepare(QStringLiteral("DELETE FROM %1 WHERE rowid = ?").arg(quoted(m_table)));
     q.addBindValue(m_rowids[m_pos]);
-    if (!runWrite(q))
+    if (!runWrite(q, [&] { return q.exec(); }))
         return false;
     m_rowids.removeAt(m_pos);
     m_rows.removeAt(m_pos);
+    m_complete.removeAt(m_pos);
     // Until the next move the deleted row stays current: it has no values, and moveNext
     // lands on the row that followed it.
     m_afterDelete = true;

@@ -4,7 +4,9 @@
 // The source is a table name or "select * from T [where criteria] [order by c [asc|desc], ...]".
 // Table and column names are looked up in the file's own schema (case-insensitive) and only
 // those schema names reach SQL; values are bound as parameters and the where part is
-// evaluated here. Rows are addressed by rowid, since the tables carry no key.
+// evaluated here. Rows are addressed by rowid, since the tables carry no key. A snapshot holds
+// the values as they were when it was read; an updatable set reads a row's values from the
+// file when they are first used.
 
 #include "store/criteria.h"
 
@@ -69,8 +71,14 @@ public:
     void cancelUpdate();
     // Writes the pending row in one transaction: an insert after addNew (columns left unset
     // take their table defaults), an update of the current row after edit. The written row
-    // becomes current when it belongs to the set.
+    // becomes current when it belongs to the set. Every write of a view joins a transaction
+    // that the caller opened on the same connection instead of opening its own.
     bool update();
+    // Inserts many rows through one prepared statement, all in one transaction: each row holds
+    // the values of `columns` in that order, stored as setValue would store them. The set is
+    // not re-read; the rows show after refresh(). False (nothing written) for an unknown column,
+    // a row of the wrong length or a failed write.
+    bool appendRows(const QStringList &columns, const QList<QVariantList> &rows);
     // Deletes the current row in one transaction. Until the next move there is no current
     // row; moveNext then lands on the row that followed the deleted one.
     bool deleteRow();
@@ -84,10 +92,18 @@ private:
     bool loadSchema(const QString &table);
     QVariant storedForm(int column, const QVariant &v) const;
     bool find(const QString &criterion, int from, int step);
-    // Runs one prepared write as its own transaction; false (and the error kept) when it failed.
-    bool runWrite(QSqlQuery &query);
+    // Runs `write` (prepared statements on `query`) as one transaction, or within the caller's;
+    // false (and the error kept) when it failed. In a transaction of its own nothing stays then.
+    template <typename Write>
+    bool runWrite(QSqlQuery &query, Write write);
     int indexOfRowid(qint64 rowid) const;
     std::optional<QVariantList> readRow(qint64 rowid) const;
+    // An updatable set reads its rows in steps: refresh reads the rowids in order and the columns
+    // of the where part; a find reads the columns it tests for all rows; a row's other values are
+    // read when it is used, one row at a time for the first few rows, then all rows at once.
+    QList<int> criteriaColumns(const Criteria &criteria) const;
+    void loadColumns(const QList<int> &columns) const;
+    const QVariantList &fullRow(int k) const;
 
     QSqlDatabase m_db;
     Access m_access;
@@ -98,7 +114,10 @@ private:
     bool m_hasWhere = false;
     QList<QPair<int, bool>> m_order;   // column index, descending
     QList<qint64> m_rowids;
-    QList<QVariantList> m_rows;
+    mutable QList<QVariantList> m_rows;   // values read so far; the others are invalid
+    mutable QList<bool> m_complete;       // the row's values are all read
+    mutable QList<bool> m_columnLoaded;   // the column is read for every row
+    mutable int m_singleReads = 0;
     int m_pos = -1;
     bool m_afterDelete = false;
     bool m_noMatch = false;

@@ -1,5 +1,6 @@
 #include "store/schema.h"
 #include "store/sqlite_file.h"
+#include "store/starter_rows.h"
 
 #include <QFile>
 #include <QSqlDatabase>
@@ -115,8 +116,9 @@ QList<TableSchema> buildTables()
 
 QString quoted(const QString &name) { return QLatin1Char('"') + name + QLatin1Char('"'); }
 
-// The rows a pristine file starts with. The quasi-peak row loads as the program's own
-// defaults (2, 2, 320, 1100); loshead 0 is the fixed entry that cannot be edited or deleted.
+// The fixed rows a pristine file starts with; the delivered catalogue follows them. The
+// quasi-peak row loads as the program's own defaults (2, 2, 320, 1100); loshead 0 is the fixed
+// entry that cannot be edited or deleted.
 QStringList starterRows()
 {
     return {
@@ -130,9 +132,16 @@ QStringList starterRows()
         QStringLiteral("insert into MeasureCount (limitnr, losnr) values (0, 0)"),
         QStringLiteral("insert into loshead (losnr, losname, lostyp, Distance, Memo, dat, tim) "
                        "values (0, ' ', 1, 0, '', '', '')"),
-        // Delivered limit lines, known bands, example components, configurations and tests
-        // are appended here as they are defined.
     };
+}
+
+bool execute(QSqlQuery &query, const StarterStatement &statement)
+{
+    if (!query.prepare(statement.sql))
+        return false;
+    for (const QVariant &value : statement.values)
+        query.addBindValue(value);
+    return query.exec();
 }
 
 } // namespace
@@ -166,6 +175,8 @@ bool writePristineDatabase(const QString &path)
                 ok = ok && query.exec(createTableSql(table));
             for (const QString &row : starterRows())
                 ok = ok && query.exec(row);
+            for (const StarterStatement &row : deliveredRows())
+                ok = ok && execute(query, row);
             query.finish();
             ok = ok ? db.commit() : (db.rollback(), false);
         }

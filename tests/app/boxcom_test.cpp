@@ -86,7 +86,7 @@ void BoxcomTest::okWithAnotherRateReconnects()
     QCOMPARE(b.state().baudRate, 115200);
     QCOMPARE(b.state().comPort, qint16(0));
     QCOMPARE(b.state().online, qint16(1));
-    QCOMPARE(b.frame->windowTitle(), unitCaption(b.state()));
+    QCOMPARE(b.frame->caption, unitCaption(b.state()));
     QCOMPARE(loadDevicePaths().value(2), QString("/dev/ttyACM0"));
     QVERIFY(boxcomGone(b));
 }

@@ -16,7 +16,7 @@ struct FrameBench {
     {
         ctx().dataFolder = folder.path() + QStringLiteral("/delfor");
         Context &c = ctx();
-        c.calls.clearTraces = [&c] { clearTraces(c); };
+        attachSignalProcessing(c);
         frame = std::make_unique<MainFrame>(c);
         frame->show();
         if (!QTest::qWaitForWindowExposed(frame.get()))
@@ -33,7 +33,13 @@ struct FrameBench {
             qWarning("no control %s", qPrintable(name));
         return found;
     }
-    void click(const QString &name) const { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
+    // A control of the tool bar before one of the same name on a form (MDI.Command2, grafik.Command2).
+    QWidget *control(const QString &name) const
+    {
+        QWidget *tool = frame->findChild<QWidget *>(QStringLiteral("toolBar"))->findChild<QWidget *>(name);
+        return tool ? tool : find<QWidget>(name);
+    }
+    void click(const QString &name) const { QTest::mouseClick(control(name), Qt::LeftButton); }
     void trigger(const QString &name) const { find<QAction>(name)->trigger(); }
 
     Context &ctx() { return *sim.ctx; }

@@ -60,7 +60,7 @@ void MainFrameTest::remoteBoxConnectsAndGoesLocal()
     QVERIFY(!toolbox->isVisible());
 
     b.click("ckrm");
-    QCOMPARE(b.frame->windowTitle(), "DELFOR - V3.00       Unit:" + model + "       Firmware:" + firmware);
+    QCOMPARE(b.frame->caption, "DELFOR - V3.00       Unit:" + model + "       Firmware:" + firmware);
     QVERIFY(ckrm->isChecked());
     QTRY_VERIFY(toolbox->isVisible()); // the tool bar lays out its buttons at the next event
     QCOMPARE(b.state().online, qint16(1));
@@ -72,7 +72,7 @@ void MainFrameTest::remoteBoxConnectsAndGoesLocal()
     b.sim.port->clearTraffic();
     b.click("ckrm");
     QCOMPARE(b.sim.port->sentByProgram(), QByteArray("#kl0\r"));
-    QCOMPARE(b.frame->windowTitle(), kOffline);
+    QCOMPARE(b.frame->caption, kOffline);
     QVERIFY(!ckrm->isChecked());
     QCOMPARE(b.state().online, qint16(0));
     QCOMPARE(b.sim.analyser.panel.keyboardLocked, 0);
@@ -105,7 +105,7 @@ void MainFrameTest::failedConnectShowsOneBox()
     QCOMPARE(b.state().online, qint16(0));
     QCOMPARE(b.state().busy, quint8(0));
     QVERIFY(!QApplication::overrideCursor());
-    QCOMPARE(b.frame->windowTitle(), kOffline);
+    QCOMPARE(b.frame->caption, kOffline);
     QCOMPARE(b.find<QTimer>("Timer4")->isActive(), timer4Active);
 }
 

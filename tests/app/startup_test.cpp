@@ -32,7 +32,7 @@ void StartupTest::firstStartTakesDefaultsAndLeavesUnitAlone()
     b.start();
     // A busy port is passed over without a word; only the missing settings file is reported.
     QCOMPARE(b.prompts().messages(), QStringList{"Load default settings|Generate new default settings"});
-    QCOMPARE(b.frame->windowTitle(), kOffline);
+    QCOMPARE(b.frame->caption, kOffline);
     QCOMPARE(b.state().comPort, qint16(2));
     QCOMPARE(b.state().baudRate, 19200);
     QCOMPARE(b.state().emcMode, quint8(0));

@@ -1,4 +1,4 @@
-// The spectrum the analyser shows: levels on the right bytes, the noise floor, and the time signal
+// The trace the analyser shows: levels on the right bytes, the noise floor, and the time signal
 // of zero span.
 
 #include "sim/sim_exchange.h"

@@ -1,0 +1,736 @@
+#include "chart/chart_painter.h"
+
+#include "chart/canvas.h"
+#include "chart/grafik_controls.h"
+#include "core/context.h"
+#include "link/commands.h"
+#include "signal/level_math.h"
+#include "store/sqlite_file.h"
+
+#include <QSqlDriver>
+#include <QSqlRecord>
+#include <array>
+#include <memory>
+#include <sqlite3.h>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double kPlotWidth = 1000000.0;
+constexpr quint32 kLabelColour = 5;          // ticks and label texts
+constexpr quint32 kZeroSpanColour = 0x800080; // palette entry 5
+constexpr quint32 kBlack = 0;
+// A limit line widens the window once; a third pass would mean the hook never settles.
+constexpr int kMaxPaintPasses = 3;
+// Decades of the log axis searched from 1 kHz up; beyond them the window is not a number.
+constexpr int kMaxDecades = 20;
+
+// The traces of the trace table, in their drawing order, and the two ambient columns.
+enum Slot { Sample, Average, Maxhold, QPeak, Memory, AmbientH, AmbientV, SlotCount };
+using Levels = std::array<int, SlotCount>;
+using Slots = std::array<bool, SlotCount>;
+
+const std::array<ColourRole, SlotCount> kSlotColour = {SampleColour, AverageColour, MaxholdColour, QPeakColour,
+                                                       MemoryColour, AmbientHColour, AmbientVColour};
+
+// The stored column of a slot for the paint selection: 1 horizontal, 2 vertical, else plain.
+QString storedColumn(Slot slot, int selection)
+{
+    static const char *const plain[SlotCount] = {"sample_dbmw", "average_dbmw", "maxhold_dbmw", "qpeak_dbmw",
+                                                 "memory_dbmw", "ambient_h_dbmw", "ambient_v_dbmw"};
+    const QString name = QLatin1String(plain[slot]);
+    if (slot == Sample || slot >= AmbientH || (selection != 1 && selection != 2))
+        return name;
+    return (selection == 1 ? QStringLiteral("h_") : QStringLiteral("v_")) + name;
+}
+
+Slots visibleSlots(const AppState &s)
+{
+    return {s.viewSample != 0, s.viewAverage != 0, s.viewMaxhold != 0, s.viewQPeak != 0,
+            s.viewMemoryB != 0 || s.viewMemoryAB != 0, s.emcViewAmbientH != 0, s.emcViewAmbientV != 0};
+}
+
+// logTen of a value, leaving the caller's variable alone.
+double logTenOf(double v) { return logTen(v); }
+
+// Fix: the fraction dropped towards zero; a value that is not finite stays so, and is skipped later.
+double fix(double v) { return std::isfinite(v) ? std::trunc(v) : v; }
+
+// The level rows of the measurement table in frequency order, read forward only, with just
+// the columns in use; column names are matched without regard to case against the file's table.
+// The rows are stepped through SQLite itself: a file of 100,000 rows must paint in a few tens of
+// milliseconds, which rules out a value object per cell. A table already in frequency order (as
+// the writer leaves it) is read in its stored order, which spares the sort.
+class StoredRows {
+public:
+    StoredRows(const QSqlDatabase &db, int selection, const Slots &wanted)
+    {
+        field_.fill(-1);
+        const QVariant handle = db.driver()->handle();
+        if (qstrcmp(handle.typeName(), "sqlite3*") != 0)
+            return;
+        sqlite_ = *static_cast<sqlite3 *const *>(handle.constData());
+        // The file is read through a memory map, without copying its pages; the connection is
+        // this paint's own and ends with it.
+        sqlite3_exec(sqlite_, "PRAGMA mmap_size=268435456", nullptr, nullptr, nullptr);
+        const QSqlRecord record = db.record(QStringLiteral("measurement"));
+        const QString frequency = columnOf(record, QStringLiteral("frequency"));
+        if (frequency.isEmpty())
+            return;
+        const QSqlDriver *driver = db.driver();
+        QStringList columns{driver->escapeIdentifier(frequency, QSqlDriver::FieldName)};
+        for (int slot = 0; slot < SlotCount; ++slot) {
+            const QString name = wanted[slot] ? columnOf(record, storedColumn(Slot(slot), selection)) : QString();
+            if (name.isEmpty())
+                continue;
+            field_[slot] = int(columns.size());
+            columns.append(driver->escapeIdentifier(name, QSqlDriver::FieldName));
+        }
+        const bool inOrder = countRows(columns.first());
+        rows_ = prepare(QStringLiteral("select %1 from measurement order by %2")
+                            .arg(columns.join(QLatin1Char(',')), inOrder ? QStringLiteral("rowid") : columns.first()));
+    }
+
+    qint64 recordCount() const { return recordCount_; }
+    // At the end it stays at the end: a finished statement would start again if stepped.
+    bool next()
+    {
+        atEnd_ = atEnd_ || !rows_ || sqlite3_step(rows_.get()) != SQLITE_ROW;
+        return !atEnd_;
+    }
+    float frequency() const { return float(sqlite3_column_double(rows_.get(), 0)); }
+
+    // The row's levels as counts; a NULL, a missing column or a value out of range keeps the old value.
+    void read(Levels &into) const
+    {
+        for (int slot = 0; slot < SlotCount; ++slot)
+            if (const auto level = levelAt(slot))
+                into[slot] = *level;
+    }
+    // The row's levels where they are higher.
+    void raise(Levels &into) const
+    {
+        for (int slot = 0; slot < SlotCount; ++slot)
+            if (const auto level = levelAt(slot); level && *level > into[slot])
+                into[slot] = *level;
+    }
+
+private:
+    struct Finalize {
+        void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+    Statement prepare(const QString &sql) const
+    {
+        sqlite3_stmt *statement = nullptr;
+        if (sqlite3_prepare_v2(sqlite_, sql.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK) {
+            sqlite3_finalize(statement);
+            return {};
+        }
+        return Statement(statement);
+    }
+
+    // RecordCount, and whether the stored order is already the frequency order (NULL first).
+    bool countRows(const QString &frequency)
+    {
+        const Statement walk = prepare(QStringLiteral("select %1 from measurement order by rowid").arg(frequency));
+        if (!walk) {
+            const Statement count = prepare(QStringLiteral("select count(*) from measurement"));
+            if (count && sqlite3_step(count.get()) == SQLITE_ROW)
+                recordCount_ = sqlite3_column_int64(count.get(), 0);
+            return false;
+        }
+        bool inOrder = true;
+        double last = -std::numeric_limits<double>::infinity();
+        while (sqlite3_step(walk.get()) == SQLITE_ROW) {
+            ++recordCount_;
+            const double f = sqlite3_column_type(walk.get(), 0) == SQLITE_NULL
+                                 ? -std::numeric_limits<double>::infinity()
+                                 : sqlite3_column_double(walk.get(), 0);
+            inOrder = inOrder && !(f < last);
+            last = f;
+        }
+        return inOrder;
+    }
+
+    static QString columnOf(const QSqlRecord &record, const QString &name)
+    {
+        for (int i = 0; i < record.count(); ++i)
+            if (record.fieldName(i).compare(name, Qt::CaseInsensitive) == 0)
+                return record.fieldName(i);
+        return {};
+    }
+
+    // dB x 2.5, halves to even, as a 16-bit count.
+    std::optional<int> levelAt(int slot) const
+    {
+        const int field = field_[slot];
+        if (field < 0)
+            return std::nullopt;
+        const int type = sqlite3_column_type(rows_.get(), field);
+        if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
+            return std::nullopt;
+        const double counts = std::nearbyint(sqlite3_column_double(rows_.get(), field) * 2.5);
+        if (!(counts >= std::numeric_limits<qint16>::min() && counts <= std::numeric_limits<qint16>::max()))
+            return std::nullopt;
+        return int(counts);
+    }
+
+    sqlite3 *sqlite_ = nullptr;
+    Statement rows_;
+    bool atEnd_ = false;
+    std::array<int, SlotCount> field_;
+    qint64 recordCount_ = 0;
+};
+
+using StoredStep = std::function<void(float f1, const Levels &previous, float f2, const Levels &current)>;
+
+// Walks the rows as the stored lines and bars do, handing each stretch to `step`. With `thin`
+// a point stands for itself and the next `thinFactor` rows: the highest value of each column, at
+// the frequency of the group's last row. The walk ends at the first row beyond `stop`.
+void walkStored(StoredRows &rows, bool thin, int thinFactor, float stop, const StoredStep &step)
+{
+    Levels current{};
+    if (!rows.next())
+        return;
+    rows.read(current);
+    Levels previous = current;
+    float f1 = rows.frequency();
+    while (rows.next() && !(rows.frequency() > stop)) {
+        rows.read(current);
+        float f2 = rows.frequency();
+        bool beyond = false;
+        for (int k = 0; thin && k < thinFactor; ++k) {
+            if (!rows.next())
+                break;
+            if (rows.frequency() > stop) {
+                beyond = true;
+                break;
+            }
+            rows.raise(current);
+            f2 = rows.frequency();
+        }
+        step(f1, previous, f2, current);
+        if (beyond)
+            return;
+        previous = current;
+        f1 = f2;
+    }
+}
+
+QString textFieldNumber(float value, quint8 decimalChar)
+{
+    return numberPicture(value, 1, 3).replace(QLatin1Char('.'), QChar(decimalChar));
+}
+
+// A single as the system joins it to text: shortest digits, no trailing zeros.
+QString plainNumber(float value, quint8 decimalChar)
+{
+    return QString::number(double(value), 'g', 7).replace(QLatin1Char('.'), QChar(decimalChar));
+}
+
+} // namespace
+
+QString formatPicture(double value, const QString &picture)
+{
+    const int point = picture.indexOf(QLatin1Char('.'));
+    const QString whole = point < 0 ? picture : picture.left(point);
+    const QString rest = point < 0 ? QString() : picture.mid(point + 1);
+    int decimals = 0;
+    while (decimals < rest.size() && (rest[decimals] == QLatin1Char('0') || rest[decimals] == QLatin1Char('#')))
+        ++decimals;
+    int digits = 0;
+    while (digits < whole.size() && (whole[digits] == QLatin1Char('0') || whole[digits] == QLatin1Char('#')))
+        ++digits;
+    const QString suffix = (point < 0 ? whole.mid(digits) : rest.mid(decimals));
+    return numberPicture(value, int(whole.left(digits).count(QLatin1Char('0'))), decimals) + suffix;
+}
+
+QString frequencyLabelText(float f, bool zeroSpan)
+{
+    if (f < 1.0f)
+        return formatPicture(double(f) * 1000.0, QStringLiteral("###0.0K"));
+    if (f < 1000.0f)
+        return formatPicture(f, QStringLiteral("###0.00M"));
+    // The zero-span line shows gigahertz with two decimals, the axis with three.
+    return formatPicture(double(f) / 1000.0, zeroSpan ? QStringLiteral("###0.00G") : QStringLiteral("###0.000G"));
+}
+
+ChartPainter::ChartPainter(Context &ctx, Canvas &picture1, Canvas &picture2, Canvas &picture3,
+                           GrafikControls &controls)
+    : ctx_(ctx), picture1_(picture1), picture2_(picture2), picture3_(picture3), controls_(controls)
+{
+}
+
+AppState &ChartPainter::state() { return ctx_.state; }
+ChartView &ChartPainter::view() { return ctx_.state.chart; }
+
+void ChartPainter::paintChart()
+{
+    ChartView &v = view();
+    if (v.paintBusy == 1)
+        return;
+    v.paintBusy = 1;
+    setBusy(ctx_);
+
+    // The zoom window stands in for the real one during the paint.
+    const float realStart = v.startFrequency, realStop = v.stopFrequency;
+    if (v.zoomOn) {
+        if (v.zoomStart > v.startFrequency)
+            v.startFrequency = v.zoomStart;
+        else
+            v.zoomStart = v.startFrequency;
+        if (v.zoomStart + v.zoomSpan < v.stopFrequency) {
+            v.stopFrequency = v.zoomStart + v.zoomSpan;
+        } else {
+            v.zoomStart = v.stopFrequency - v.zoomSpan;
+            v.startFrequency = v.zoomStart;
+        }
+    }
+
+    for (int pass = 1;; ++pass) {
+        paintFrame();
+        picture1_.setDrawMode(Canvas::CopyPen);
+        picture1_.setDrawWidth(2);
+        if (!hooks.paintLimitLines || !hooks.paintLimitLines() || pass == kMaxPaintPasses)
+            break;
+    }
+    picture1_.setDrawWidth(1);
+    controls_.setCaption(QString());
+    paintTraces();
+    call(hooks.paintCursors);
+    call(hooks.refreshLevelmeter);
+    call(hooks.refreshPreview);
+    v.paintBusy = 0;
+
+    if (v.zoomOn) {
+        v.startFrequency = realStart;
+        v.stopFrequency = realStop;
+    }
+    controls_.setZoomControls(v.zoomOn, textFieldNumber(v.zoomStart, state().decimalChar),
+                              textFieldNumber(v.zoomSpan, state().decimalChar));
+    controls_.setKnownBandsCheck(v.showKnownBands != 0);
+    clearBusy(ctx_);
+}
+
+// The clean frame: scales, grids, labels and the text lines around the chart.
+void ChartPainter::paintFrame()
+{
+    ChartView &v = view();
+    v.peakLevel = -1000;
+    picture1_.clear();
+    picture3_.clear();
+    picture2_.clear();
+    picture1_.setDrawMode(Canvas::CopyPen);
+    const double levelHeight = double(v.grafikMin) - v.grafikMax;
+    const double p1Width = std::max(1, picture1_.pixelWidth());
+    const double p1Height = std::max(1, picture1_.pixelHeight());
+    picture1_.setScale(0, v.grafikMax, kPlotWidth, levelHeight);
+    // One count is as high on Picture2 as on Picture1, one x unit as wide on Picture3.
+    picture2_.setScale(0, v.grafikMax, 10, levelHeight * picture2_.pixelHeight() / p1Height);
+    picture3_.setScale(0, 10, kPlotWidth * picture3_.pixelWidth() / p1Width, -11);
+    picture1_.setDrawWidth(1);
+    checkLogAxis();
+    picture1_.setDrawWidth(1);
+    showDistance();
+    if (v.showKnownBands != 0)
+        call(hooks.paintKnownBands);
+    paintFrequencyGrid();
+    controls_.setUnitLabel(state().unitName.trimmed());
+    paintLevelGrid();
+}
+
+void ChartPainter::checkLogAxis()
+{
+    ChartView &v = view();
+    if (v.startFrequency * 10 > v.stopFrequency) {
+        v.logAxis = 0;
+        controls_.setLogAxisCheck(false, false);
+    } else {
+        controls_.setLogAxisCheck(true, v.logAxis == 1);
+    }
+}
+
+void ChartPainter::showDistance()
+{
+    const AppState &s = state();
+    if (!(s.distanceFromDut > 0)) {
+        controls_.setDistanceLabel(false, controls_.distanceText);
+        return;
+    }
+    QString text = QStringLiteral("Distance from DUT: ") + plainNumber(s.distanceFromDut, s.decimalChar) +
+                   QStringLiteral("m");
+    if (s.distanceFromDut != s.maxholdLimitDistance && s.maxholdLimitDistance > 0) {
+        const double offset = -20.0 * logTenOf(double(s.maxholdLimitDistance) / s.distanceFromDut);
+        text += QStringLiteral(" offset ") + formatPicture(offset, QStringLiteral("0.0")) + QStringLiteral("dB");
+    }
+    controls_.setDistanceLabel(true, text);
+}
+
+double ChartPainter::frequencyToX(float f) const
+{
+    const ChartView &v = ctx_.state.chart;
+    if (v.logAxis == 0)
+        return fix((double(f) - v.startFrequency) * kPlotWidth / (double(v.stopFrequency) - v.startFrequency));
+    if (f == 0)
+        return 0;
+    const double low = logTenOf(double(v.logStart) * 1000.0);
+    return (logTenOf(double(f) * 1000.0) - low) / (logTenOf(double(v.logStop) * 1000.0) - low) * kPlotWidth;
+}
+
+void ChartPainter::drawSegment(float f1, double y1, float f2, double y2, quint32 colour)
+{
+    if (f1 < 0 || f2 < 0)
+        return;
+    const double x1 = frequencyToX(f1), x2 = frequencyToX(f2);
+    // No clipping at the left edge: a stretch that begins left of the window is not drawn.
+    if (!(x1 >= 0 && x2 >= 0) || !std::isfinite(x1) || !std::isfinite(x2))
+        return;
+    picture1_.line(x1, y1, x2, y2, colour);
+}
+
+void ChartPainter::drawBar(float f, double y1, double y2, quint32 colour)
+{
+    drawSegment(f, y1, f, y2, colour);
+}
+
+void ChartPainter::drawBox(float f1, float f2, double y1, double y2, quint32 colour)
+{
+    if (f2 < 0)
+        return;
+    const double x1 = frequencyToX(f1), x2 = frequencyToX(f2);
+    if (!(x1 >= 0 && x2 >= 0) || !std::isfinite(x1) || !std::isfinite(x2))
+        return;
+    picture1_.box(x1, y1, x2, y2, colour);
+}
+
+void ChartPainter::drawFrequencyLabel(float f, quint32 colour)
+{
+    const double x = frequencyToX(f);
+    if (!(x >= 0) || !std::isfinite(x))
+        return;
+    picture3_.line(x, 10, x, 7, colour);
+    picture3_.setForeColour(colour);
+    picture3_.setTextPosition(x, 8);
+    picture3_.print(frequencyLabelText(f, false));
+}
+
+void ChartPainter::drawLevelLabel(double y, quint32 colour)
+{
+    picture2_.line(8, y, 10, y, colour);
+    picture2_.setForeColour(colour);
+    picture2_.setTextPosition(0, y);
+    picture2_.print(formatPicture(y / 2.5 + state().analyser.unitOffset, QStringLiteral("###0.0")));
+}
+
+void ChartPainter::computeLogBounds()
+{
+    ChartView &v = view();
+    v.logStart = 0;
+    v.logStop = 0;
+    v.logDecade = 0.001f;
+    // Decades are exact powers of ten, so that 5 x 100 is 500 and not a hair above it.
+    int decade = -3;
+    auto d = [&decade] { return std::pow(10.0, decade); };
+    if (v.startFrequency <= 0.002f)
+        v.logStart = 0.001f;
+    else
+        for (bool found = false; !found && decade < kMaxDecades;) {
+            for (int i = 1; i <= 9 && !found; ++i) {
+                if (d() * i > v.startFrequency) {
+                    // A start just below a decade goes up to it; any other down to its step.
+                    v.logStart = float(i == 1 ? d() : d() * (i - 1));
+                    v.logDecade = float(d());
+                    found = true;
+                }
+            }
+            if (!found)
+                ++decade;
+        }
+    for (; decade < kMaxDecades; ++decade)
+        for (int i = 1; i <= 9; ++i)
+            if (d() * i > v.stopFrequency) {
+                v.logStop = float(d() * i);
+                return;
+            }
+}
+
+void ChartPainter::paintFrequencyGrid()
+{
+    const AppState &s = state();
+    if (s.emcMode == 0 && s.analyser.span <= 0)
+        paintZeroSpanLine();
+    else if (view().logAxis == 0)
+        paintLinearGrid();
+    else
+        paintLogGrid();
+}
+
+void ChartPainter::paintLinearGrid()
+{
+    const ChartView &v = view();
+    const quint32 grid = state().screenColours[GridColour];
+    if (v.startFrequency < 0) {
+        // The zero line of a window reaching below 0 MHz stands in for the left label.
+        picture1_.setDrawWidth(2);
+        drawSegment(0, v.grafikMin, 0, v.grafikMax, kBlack);
+        picture1_.setDrawWidth(1);
+    } else {
+        drawFrequencyLabel(v.startFrequency, kLabelColour);
+    }
+    for (int i = 1; i <= 9; ++i) {
+        const float f = (v.stopFrequency - v.startFrequency) * i / 10 + v.startFrequency;
+        drawSegment(f, v.grafikMin, f, v.grafikMax, grid);
+        drawFrequencyLabel(f, kLabelColour);
+    }
+    drawFrequencyLabel(v.stopFrequency, kLabelColour);
+}
+
+void ChartPainter::paintLogGrid()
+{
+    computeLogBounds();
+    const ChartView &v = view();
+    const quint32 grid = state().screenColours[GridColour];
+    const quint32 decadeColour = state().screenColours[DecadeColour];
+    double d = v.logDecade;
+    int i0 = int(fix(v.logStart / d));
+    drawFrequencyLabel(v.logStart, kLabelColour);
+    double f = v.logStart;
+    do {
+        for (int i = i0; i <= 9; ++i) {
+            f = d * i;
+            if (f < v.logStop)
+                drawSegment(float(f), v.grafikMin, float(f), v.grafikMax, grid);
+        }
+        d *= 10;
+        if (d < v.logStop) {
+            drawSegment(float(d), v.grafikMin, float(d), v.grafikMax, decadeColour);
+            drawFrequencyLabel(float(d), kLabelColour);
+        }
+        i0 = 2;
+    } while (f < v.logStop);
+    drawFrequencyLabel(v.logStop, kLabelColour);
+}
+
+void ChartPainter::paintZeroSpanLine()
+{
+    picture3_.setForeColour(kZeroSpanColour);
+    picture3_.setTextPosition(1000, 10);
+    picture3_.print(QStringLiteral("Zerospan / Freq: ") + frequencyLabelText(view().startFrequency, true));
+}
+
+void ChartPainter::paintLevelGrid()
+{
+    const ChartView &v = view();
+    const AnalyserSettings &a = state().analyser;
+    const float g = (a.refLevel + a.attenuator) * 2.5f;
+    const float step = 2.5f * a.dbPerDivision;
+    if (!(step > 0) || !std::isfinite(g))
+        return;
+    if (g <= v.grafikMax) {
+        for (float y = g; y <= v.grafikMax; y += step)
+            paintLevelLine(y);
+        for (float y = g - step; y >= v.grafikMin; y -= step)
+            paintLevelLine(y);
+    } else {
+        // An anchor above the window: the lines stand at whole steps from the top edge.
+        for (float y = v.grafikMax; y >= v.grafikMin; y -= step)
+            if (y < g)
+                paintLevelLine(y);
+    }
+}
+
+void ChartPainter::paintLevelLine(double y)
+{
+    picture1_.line(0, y, kPlotWidth, y, state().screenColours[GridColour]);
+    drawLevelLabel(y, kLabelColour);
+}
+
+void ChartPainter::paintTraces()
+{
+    AppState &s = state();
+    if (s.traceFrozen == 0) {
+        picture1_.setDrawWidth(1);
+        controls_.setLiveButtonsEnabled(true);
+        controls_.setCaption(QString());
+        if (s.analyser.span > 0)
+            paintLiveSweep();
+        else
+            paintLiveZeroSpan();
+        controls_.setCaption(liveCaption());
+    } else {
+        paintStored();
+    }
+}
+
+namespace {
+
+struct LiveTrace {
+    const TraceArray &levels;
+    quint32 colour;
+};
+
+// The live traces that are on, in the order sample, average, max hold, memory.
+QList<LiveTrace> liveTraces(const AppState &s)
+{
+    const Slots on = visibleSlots(s);
+    const TraceStore &t = s.traces;
+    QList<LiveTrace> traces;
+    const std::pair<Slot, const TraceArray *> table[] = {
+        {Sample, &t.sampleTrace}, {Average, &t.averageTrace}, {Maxhold, &t.maxholdTrace}, {Memory, &t.memoryTrace}};
+    for (const auto &[slot, levels] : table)
+        if (on[slot])
+            traces.append(LiveTrace{*levels, s.screenColours[kSlotColour[slot]]});
+    return traces;
+}
+
+int livePointCount(const AppState &s) { return std::min(s.pointCount, kTraceSize - 1); }
+
+} // namespace
+
+void ChartPainter::paintLiveSweep()
+{
+    AppState &s = state();
+    ChartView &v = s.chart;
+    const QList<LiveTrace> traces = liveTraces(s);
+    const int n = livePointCount(s);
+    // The step divides by the number of points, so the last point falls one step short of the stop.
+    const float step = (v.stopFrequency - v.startFrequency) / s.pointCount;
+    for (int i = 2; i <= n; ++i) {
+        const float f1 = v.startFrequency + step * (i - 2);
+        const float f2 = v.startFrequency + step * (i - 1);
+        for (const LiveTrace &trace : traces) {
+            drawSegment(f1, trace.levels[i - 1], f2, trace.levels[i], trace.colour);
+            if (trace.levels[i] > v.peakLevel) {
+                v.peakLevel = trace.levels[i];
+                v.peakFrequency = f2;
+            }
+        }
+    }
+}
+
+void ChartPainter::paintLiveZeroSpan()
+{
+    AppState &s = state();
+    ChartView &v = s.chart;
+    const QList<LiveTrace> traces = liveTraces(s);
+    const int n = livePointCount(s);
+    for (int i = 2; i <= n; ++i) {
+        const double x1 = double(qint64(i - 2) * 1000000) / s.pointCount;
+        const double x2 = double(qint64(i - 1) * 1000000) / s.pointCount;
+        for (const LiveTrace &trace : traces) {
+            picture1_.line(x1, trace.levels[i - 1], x2, trace.levels[i], trace.colour);
+            if (trace.levels[i] > v.peakLevel) {
+                v.peakLevel = trace.levels[i];
+                v.peakFrequency = float(x2); // in zero span the peak is an x position
+            }
+        }
+    }
+}
+
+// "   Sam:" and the time of each trace on; the long time is shown as hh:mm:ss in every locale.
+QString ChartPainter::liveCaption()
+{
+    const AppState &s = state();
+    const Slots on = visibleSlots(s);
+    const TraceStore &t = s.traces;
+    const std::tuple<Slot, const char *, const QDateTime *> table[] = {{Sample, "   Sam:", &t.sampleTime},
+                                                                       {Average, "   Ave:", &t.averageTime},
+                                                                       {Maxhold, "   Max:", &t.maxholdTime},
+                                                                       {Memory, "   Mem:", &t.memoryTime}};
+    QString caption;
+    for (const auto &[slot, label, time] : table)
+        if (on[slot])
+            caption += QLatin1String(label) + time->toString(QStringLiteral("hh:mm:ss"));
+    return caption;
+}
+
+void ChartPainter::paintStored()
+{
+    AppState &s = state();
+    const ChartView &v = s.chart;
+    controls_.setLiveButtonsEnabled(false);
+    // "general date": the locale's short date and the time.
+    controls_.setCaption(QStringLiteral("Measure date: ") +
+                         QLocale().toString(s.measurementDate.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
+                         s.measurementDate.toString(QStringLiteral("hh:mm:ss")));
+    controls_.setMemoryTraceCaption(s.emcMode == 0 ? QStringLiteral("Mem B") : QStringLiteral("Sweep"));
+    picture1_.setDrawWidth(1);
+
+    const bool emcBars = s.emcMode == 2;
+    const bool zeroSpan = s.emcMode == 0 && s.analyser.span <= 0;
+    if (s.emcMode > 2)
+        return;
+    Slots wanted = visibleSlots(s);
+    wanted[AmbientH] = wanted[AmbientH] && emcBars;
+    wanted[AmbientV] = wanted[AmbientV] && emcBars;
+    wanted[Sample] = wanted[Sample] || emcBars; // the mark of a measured row
+    SqliteFile file(s.measurementFileName);
+    if (!file.isOpen())
+        return;
+    StoredRows rows(file.handle(), zeroSpan ? 0 : v.paintSelection, wanted);
+    const Slots on = visibleSlots(s);
+    auto colour = [&s](int slot) { return s.screenColours[kSlotColour[slot]]; };
+
+    if (zeroSpan) {
+        const qint64 n = rows.recordCount();
+        Levels previous{};
+        if (!rows.next())
+            return;
+        rows.read(previous);
+        for (qint64 i = 2; i <= n && rows.next(); ++i) {
+            Levels current = previous;
+            rows.read(current);
+            const double x1 = double((i - 2) * 1000000) / n, x2 = double((i - 1) * 1000000) / n;
+            for (int slot = Sample; slot <= Memory; ++slot)
+                if (on[slot])
+                    picture1_.line(x1, previous[slot], x2, current[slot], colour(slot));
+            previous = current;
+        }
+        return;
+    }
+
+    // A factor too large for its byte is not taken: the last one stays (the system's overflow).
+    const double factor = std::nearbyint(double(rows.recordCount()) / 500.0);
+    if (factor <= 255)
+        s.chart.thinFactor = quint8(factor);
+    const bool thin = !(v.paintAllPoints == 1 || v.thinFactor <= 5);
+
+    if (!emcBars) {
+        walkStored(rows, thin, v.thinFactor, v.stopFrequency,
+                   [&](float f1, const Levels &previous, float f2, const Levels &current) {
+                       for (int slot = Sample; slot <= Memory; ++slot)
+                           if (on[slot])
+                               drawSegment(f1, previous[slot], f2, current[slot], colour(slot));
+                   });
+        return;
+    }
+    walkStored(rows, thin, v.thinFactor, v.stopFrequency,
+               [&](float f1, const Levels &previous, float f2, const Levels &current) {
+                   if (on[Memory])
+                       drawSegment(f1, previous[Memory], f2, current[Memory], colour(Memory));
+                   // Detector bars show only where they stand above the ambient by the distance.
+                   int threshold = -10000;
+                   if (on[AmbientH]) {
+                       if (s.emcViewAmbient)
+                           drawSegment(f1, previous[AmbientH], f2, current[AmbientH], colour(AmbientH));
+                       if (s.emcCalcAmbient)
+                           threshold = previous[AmbientH];
+                   }
+                   if (on[AmbientV]) {
+                       if (s.emcViewAmbient)
+                           drawSegment(f1, previous[AmbientV], f2, current[AmbientV], colour(AmbientV));
+                       if (s.emcCalcAmbient && previous[AmbientV] > threshold)
+                           threshold = previous[AmbientV];
+                   }
+                   if (s.emcCalcAmbient)
+                       threshold += int(std::nearbyint(2.5 * s.emcAmbientDistance));
+                   // A row the step scan has measured carries a positive mark in its sample column.
+                   if (previous[Sample] > 0)
+                       for (Slot slot : {Maxhold, QPeak, Average})
+                           if (on[slot] && previous[slot] > threshold)
+                               drawBar(f1, v.grafikMin, previous[slot], colour(slot));
+               });
+}

@@ -1,0 +1,320 @@
+#include "chart/grafik.h"
+
+#include "core/context.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+// Pixel measures of the measurement tab: the level labels' column, the frequency labels'
+// row, the panel at the right of the plot, the margin above it.
+constexpr int kLevelLabelWidth = 48;
+constexpr int kFrequencyLabelHeight = 24;
+constexpr int kPanelWidth = 160;
+constexpr int kTopMargin = 8;
+
+QColor screenColour(quint32 bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
+
+template <typename W> W *named(W *widget, const char *name)
+{
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
+QLabel *label(const char *name, const QString &caption, QWidget *parent)
+{
+    return named(new QLabel(caption, parent), name);
+}
+
+// The legend: index, caption in normal mode, caption in EMC mode, colour.
+struct LegendEntry {
+    const char *name;
+    const char *normal;
+    const char *emc;
+    ColourRole colour;
+};
+const LegendEntry kLegend[] = {
+    {"legend0", "Sample", "Sample", SampleColour},
+    {"legend1", "Max. Hld", "Peak", MaxholdColour},
+    {"legend2", "Mem B", "Sweep", MemoryColour},
+    {"legend3", "QPeak", "QPeak", QPeakColour},
+    {"legend4", "Ambient H", "Ambient H", AmbientHColour},
+    {"legend5", "Ambient V", "Ambient V", AmbientVColour},
+    {"legend6", "Average", "Average", AverageColour},
+    {"legend7", "Limit Peak", "Limit Peak", LimitColour},
+    {"legend8", "Limit Ave", "Limit Ave", LimitColour},
+};
+// Legend labels 3, 4, 5, 7 and 8 belong to EMC mode only.
+bool legendInEmcOnly(int index) { return index == 3 || index == 4 || index == 5 || index == 7 || index == 8; }
+
+// Lays the measurement tab out for its size: the plot between the level labels and the panel,
+// the level labels reaching below the plot and the frequency labels reaching under the panel,
+// so that the labels at the plot's corners have room.
+class MeasurementPage : public QWidget {
+public:
+    MeasurementPage(QWidget *picture1, QWidget *picture2, QWidget *picture3, QWidget *panel, QWidget *parent)
+        : QWidget(parent), p1_(picture1), p2_(picture2), p3_(picture3), panel_(panel)
+    {
+        setObjectName(QStringLiteral("measurementTab"));
+        for (QWidget *w : {p1_, p2_, p3_, panel_})
+            w->setParent(this);
+        setMinimumSize(480, 320);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *) override
+    {
+        const int plotWidth = qMax(40, width() - kLevelLabelWidth - kPanelWidth - 8);
+        const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
+        p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
+        p1_->setGeometry(kLevelLabelWidth, kTopMargin, plotWidth, plotHeight);
+        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, width() - kLevelLabelWidth,
+                         kFrequencyLabelHeight);
+        panel_->setGeometry(width() - kPanelWidth, kTopMargin, kPanelWidth, plotHeight);
+    }
+
+private:
+    QWidget *p1_, *p2_, *p3_, *panel_;
+};
+
+} // namespace
+
+CanvasView::CanvasView(const char *name, Context &ctx, QWidget *parent) : QWidget(parent), ctx_(ctx)
+{
+    setObjectName(QLatin1String(name));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void CanvasView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    // Until the next paint of the chart a resized picture shows its last image stretched.
+    painter.drawImage(rect(), canvas_.image());
+}
+
+void CanvasView::resizeEvent(QResizeEvent *)
+{
+    canvas_.resize(qMax(1, width()), qMax(1, height()));
+    ctx_.state.repaintRequest = 1;
+}
+
+GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
+    : QWidget(parent),
+      ctx_(ctx),
+      grtab_(named(new QTabWidget(this), "grtab")),
+      picture1_(new CanvasView("Picture1", ctx, this)),
+      picture2_(new CanvasView("Picture2", ctx, this)),
+      picture3_(new CanvasView("Picture3", ctx, this)),
+      painter_(ctx, picture1_->canvas(), picture2_->canvas(), picture3_->canvas(), *this)
+{
+    setObjectName(QStringLiteral("grafik"));
+    setWindowTitle(QString());
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2, 2, 2, 2);
+    grtab_->addTab(buildMeasurementTab(), QStringLiteral("Measurement"));
+    grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_), QStringLiteral("Settings"));
+    grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_), QStringLiteral("EMC Test"));
+    grtab_->addTab(named(new QFrame, "fEquip"), QStringLiteral("Equipment"));
+    fSetunit_ = grtab_->widget(1)->findChild<QWidget *>(QStringLiteral("fSetunit"));
+    fTest_ = grtab_->widget(2)->findChild<QWidget *>(QStringLiteral("fTest"));
+    layout->addWidget(grtab_, 1);
+    frame1_ = buildEmcFrame();
+    layout->addWidget(frame1_);
+    showLegendColours();
+    applyMode(false);
+}
+
+QWidget *GrafikForm::buildMeasurementTab()
+{
+    auto *panel = new QWidget;
+    panel->setObjectName(QStringLiteral("measurementPanel"));
+    auto *column = new QVBoxLayout(panel);
+    column->setContentsMargins(6, 0, 0, 0);
+    column->addWidget(buildLegend());
+    column->addWidget(buildChartControls());
+    column->addStretch(1);
+    return new MeasurementPage(picture1_, picture2_, picture3_, panel, grtab_);
+}
+
+QWidget *GrafikForm::buildLegend()
+{
+    auto *box = new QWidget;
+    auto *grid = new QGridLayout(box);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setVerticalSpacing(1);
+    for (int i = 0; i < int(legend_.size()); ++i) {
+        legend_[i] = label(kLegend[i].name, QLatin1String(kLegend[i].normal), box);
+        grid->addWidget(legend_[i], i / 2, i % 2);
+    }
+    return box;
+}
+
+QWidget *GrafikForm::buildChartControls()
+{
+    auto *box = new QWidget;
+    auto *grid = new QGridLayout(box);
+    grid->setContentsMargins(0, 8, 0, 0);
+    label11_ = label("Label11", QStringLiteral("UNCAL"), box);
+    label11_->setStyleSheet(QStringLiteral("color: red; font-weight: bold"));
+    label11_->hide();
+    label1_ = label("Label1", QString(), box);
+    label5_ = label("Label5", QString(), box);
+    label5_->setWordWrap(true);
+    label5_->hide();
+    label6_ = label("Label6", QString(), box);
+    check1_ = named(new QCheckBox(QStringLiteral("Log"), box), "Check1");
+    check5_ = named(new QCheckBox(QStringLiteral("Known signals"), box), "Check5");
+    check6_ = named(new QCheckBox(QStringLiteral("Zoom"), box), "Check6");
+    text2_ = named(new QLineEdit(box), "Text2");
+    text4_ = named(new QLineEdit(box), "Text4");
+    const char *names[] = {"Command1", "Command2", "Command3"};
+    const char *captions[] = {"CA -> PK", "CA = CF", "2 * CF"};
+    int row = 0;
+    grid->addWidget(label6_, row, 0);
+    grid->addWidget(label11_, row++, 1);
+    grid->addWidget(label5_, row++, 0, 1, 2);
+    grid->addWidget(label1_, row++, 0, 1, 2);
+    grid->addWidget(check1_, row++, 0, 1, 2);
+    grid->addWidget(check5_, row++, 0, 1, 2);
+    grid->addWidget(check6_, row++, 0, 1, 2);
+    grid->addWidget(label("Label4", QStringLiteral("Start"), box), row, 0);
+    grid->addWidget(text2_, row++, 1);
+    grid->addWidget(label("Label7", QStringLiteral("Span"), box), row, 0);
+    grid->addWidget(text4_, row++, 1);
+    for (int i = 0; i < 3; ++i) {
+        cursorCommands_[i] = named(new QPushButton(QLatin1String(captions[i]), box), names[i]);
+        grid->addWidget(cursorCommands_[i], row++, 0, 1, 2);
+    }
+    // The view switches of the chart are wired with the zoom and view commands.
+    for (QWidget *w : {static_cast<QWidget *>(check1_), static_cast<QWidget *>(check5_),
+                       static_cast<QWidget *>(check6_), static_cast<QWidget *>(text2_),
+                       static_cast<QWidget *>(text4_)})
+        w->setEnabled(false);
+    return box;
+}
+
+QFrame *GrafikForm::buildEmcFrame()
+{
+    auto *frame = named(new QFrame(this), "Frame1");
+    frame->setFrameShape(QFrame::StyledPanel);
+    auto *row = new QHBoxLayout(frame);
+    auto *start = named(new QPushButton(QStringLiteral("Start the selected EMC-Ttest"), frame), "emcCommand1");
+    auto *stop = named(new QPushButton(QStringLiteral("Stop"), frame), "emcCommand2");
+    row->addWidget(start);
+    row->addWidget(stop);
+    row->addWidget(label("emcLabel1", QString(), frame));
+    row->addWidget(label("emcLabel3", QString(), frame));
+    row->addStretch(1);
+    return frame;
+}
+
+QFrame *GrafikForm::placeholderPage(const char *frameName, const char *labelName, QWidget **notValid)
+{
+    auto *page = new QFrame;
+    auto *layout = new QVBoxLayout(page);
+    *notValid = label(labelName, QStringLiteral("Not valid in this mode"), page);
+    layout->addWidget(*notValid);
+    layout->addWidget(named(new QFrame(page), frameName), 1);
+    return page;
+}
+
+void GrafikForm::showLegendColours()
+{
+    for (int i = 0; i < int(legend_.size()); ++i)
+        legend_[i]->setStyleSheet(QStringLiteral("color: %1").arg(
+            screenColour(ctx_.state.screenColours[kLegend[i].colour]).name()));
+}
+
+void GrafikForm::paintChart()
+{
+    painter_.paintChart();
+    ++paintCount_;
+    picture1_->update();
+    picture2_->update();
+    picture3_->update();
+}
+
+void GrafikForm::applyMode(bool emc)
+{
+    grtab_->setCurrentIndex(0);
+    for (QPushButton *command : cursorCommands_)
+        command->setVisible(!emc);
+    label1_->setVisible(!emc);
+    for (int i = 0; i < int(legend_.size()); ++i) {
+        legend_[i]->setText(QLatin1String(emc ? kLegend[i].emc : kLegend[i].normal));
+        if (legendInEmcOnly(i))
+            legend_[i]->setVisible(emc);
+    }
+    fTest_->setVisible(emc);
+    lNotvalid1_->setVisible(emc);
+    fSetunit_->setVisible(!emc);
+    lNotValid2_->setVisible(!emc);
+    frame1_->setVisible(emc);
+    for (const char *name : {"emcCommand1", "emcLabel1", "emcLabel3"})
+        findChild<QWidget *>(QLatin1String(name))->setEnabled(emc);
+    findChild<QWidget *>(QStringLiteral("emcCommand2"))->setEnabled(false);
+    showLegendColours();
+}
+
+void GrafikForm::setUncalVisible(bool on) { label11_->setVisible(on); }
+
+void GrafikForm::setCaption(const QString &text)
+{
+    GrafikControls::setCaption(text);
+    setWindowTitle(text);
+}
+
+void GrafikForm::setLogAxisCheck(bool enabled, bool ticked)
+{
+    GrafikControls::setLogAxisCheck(enabled, ticked);
+    check1_->setChecked(ticked);
+}
+
+void GrafikForm::setDistanceLabel(bool visible, const QString &text)
+{
+    GrafikControls::setDistanceLabel(visible, text);
+    label5_->setText(text);
+    label5_->setVisible(visible);
+}
+
+void GrafikForm::setUnitLabel(const QString &text)
+{
+    GrafikControls::setUnitLabel(text);
+    label6_->setText(text);
+}
+
+void GrafikForm::setLiveButtonsEnabled(bool on)
+{
+    GrafikControls::setLiveButtonsEnabled(on);
+    cursorCommands_[0]->setEnabled(on);
+    cursorCommands_[2]->setEnabled(on);
+}
+
+void GrafikForm::setZoomControls(bool ticked, const QString &start, const QString &span)
+{
+    GrafikControls::setZoomControls(ticked, start, span);
+    check6_->setChecked(ticked);
+    text2_->setText(start);
+    text4_->setText(span);
+}
+
+void GrafikForm::setKnownBandsCheck(bool ticked)
+{
+    GrafikControls::setKnownBandsCheck(ticked);
+    check5_->setChecked(ticked);
+}
+
+void GrafikForm::setMemoryTraceCaption(const QString &text)
+{
+    GrafikControls::setMemoryTraceCaption(text);
+    legend_[2]->setText(text);
+}

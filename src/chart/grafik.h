@@ -1,0 +1,94 @@
+#pragma once
+// The form grafik: the tab grtab with the measurement tab (the chart on Picture1, its level
+// labels on Picture2, its frequency labels on Picture3, the legend and the chart's own
+// controls) and the EMC frame Frame1 below the tab.
+
+#include "chart/chart_painter.h"
+#include "chart/grafik_controls.h"
+#include "chart/image_canvas.h"
+
+#include <QWidget>
+#include <array>
+
+class Context;
+class QCheckBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTabWidget;
+
+// One picture of the chart: shows its canvas, and asks for a repaint when its size changes.
+class CanvasView : public QWidget {
+    Q_OBJECT
+public:
+    CanvasView(const char *name, Context &ctx, QWidget *parent);
+    ImageCanvas &canvas() { return canvas_; }
+
+signals:
+    void clicked();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    Context &ctx_;
+    ImageCanvas canvas_;
+};
+
+class GrafikForm : public QWidget, public GrafikControls {
+    Q_OBJECT
+public:
+    explicit GrafikForm(Context &ctx, QWidget *parent = nullptr);
+
+    // The chart drawn anew from the state; the pictures show it at once.
+    void paintChart();
+    int paintCount() const { return paintCount_; }
+    ChartPainter &painter() { return painter_; }
+
+    // The controls that differ between normal and EMC mode; the measurement tab comes to the front.
+    void applyMode(bool emc);
+    void setUncalVisible(bool on);
+
+    void setCaption(const QString &text) override;
+    void setLogAxisCheck(bool enabled, bool ticked) override;
+    void setDistanceLabel(bool visible, const QString &text) override;
+    void setUnitLabel(const QString &text) override;
+    void setLiveButtonsEnabled(bool on) override;
+    void setZoomControls(bool ticked, const QString &start, const QString &span) override;
+    void setKnownBandsCheck(bool ticked) override;
+    void setMemoryTraceCaption(const QString &text) override;
+
+private:
+    QWidget *buildMeasurementTab();
+    QWidget *buildLegend();
+    QWidget *buildChartControls();
+    QFrame *buildEmcFrame();
+    QFrame *placeholderPage(const char *frameName, const char *labelName, QWidget **label);
+    void showLegendColours();
+
+    Context &ctx_;
+    QTabWidget *grtab_;
+    CanvasView *picture1_;
+    CanvasView *picture2_;
+    CanvasView *picture3_;
+    ChartPainter painter_;
+    std::array<QLabel *, 9> legend_{};
+    QLabel *label1_ = nullptr;
+    QLabel *label5_ = nullptr;
+    QLabel *label6_ = nullptr;
+    QLabel *label11_ = nullptr;
+    QCheckBox *check1_ = nullptr;
+    QCheckBox *check5_ = nullptr;
+    QCheckBox *check6_ = nullptr;
+    QLineEdit *text2_ = nullptr;
+    QLineEdit *text4_ = nullptr;
+    std::array<QPushButton *, 3> cursorCommands_{};
+    QFrame *frame1_ = nullptr;
+    QWidget *fSetunit_ = nullptr;
+    QWidget *fTest_ = nullptr;
+    QWidget *lNotValid2_ = nullptr;
+    QWidget *lNotvalid1_ = nullptr;
+    int paintCount_ = 0;
+};

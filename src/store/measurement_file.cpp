@@ -1,0 +1,469 @@
+#include "store/measurement_file.h"
+
+#include "core/context.h"
+#include "store/data_view.h"
+#include "store/database.h"
+#include "store/sqlite_file.h"
+
+#include <QFile>
+#include <QSqlQuery>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace {
+
+const QString kSingle = QStringLiteral("SINGLE");
+const QString kByte = QStringLiteral("BYTE");
+const QString kInteger = QStringLiteral("INTEGER");
+const QString kBoolean = QStringLiteral("BOOLEAN");
+const QString kDate = QStringLiteral("DATE");
+const QString kMemo = QStringLiteral("MEMO");
+const QString kText20 = QStringLiteral("TEXT(20)");
+const QString kText80 = QStringLiteral("TEXT(80)");
+
+QList<ColumnSchema> singles(const QStringList &names)
+{
+    QList<ColumnSchema> columns;
+    for (const QString &name : names)
+        columns.append({name, kSingle});
+    return columns;
+}
+
+QList<TableSchema> buildTables()
+{
+    return {
+        {"Measurement",
+         singles({"Frequency", "Sample_dBmW", "Average_dBmW", "Maxhold_dBmW", "QPeak_dBmW", "memory_dBmW",
+                  "Ambient_H_dBmW", "Ambient_V_dBmW", "V_memory_dBmW", "H_memory_dBmW", "H_Average_dBmW",
+                  "H_Maxhold_dBmW", "H_QPeak_dBmW", "V_Average_dBmW", "V_Maxhold_dBmW", "V_QPeak_dBmW"})},
+        {"Limitlines", singles({"avefreq", "Average_dBmW", "maxfreq", "Maxhold_dBmW"})},
+        {"Settings",
+         {{"Vernr", kInteger},        {"dat", kDate},           {"centerfreq", kSingle},  {"reflevel", kSingle},
+          {"attenuator", kSingle},    {"bandwith", kInteger},   {"videofilter", kByte},   {"span", kInteger},
+          {"unit", kText20},          {"correctionon", kByte},  {"configname", kText80},  {"readmode", kByte},
+          {"viewsample", kByte},      {"viewaverage", kByte},   {"viewmaxhold", kByte},   {"viewb", kByte},
+          {"viewqpeak", kByte},       {"viewlimitmax", kByte},  {"viewlimitave", kByte},  {"averagename", kText80},
+          {"maxholdname", kText80},   {"tgon", kByte},          {"tglevel", kSingle},     {"Mode", kByte},
+          {"viewab", kByte},          {"lmaxdist", kByte},      {"lavedist", kByte},      {"lmaxlog", kBoolean},
+          {"lavelog", kBoolean},      {"configdist", kByte},    {"grafikmin", kInteger},  {"grafikmax", kInteger},
+          {"note", kMemo},            {"headline", kText80},    {"Ambient", kByte},       {"viewambi", kByte},
+          {"viewambih", kByte},       {"viewambiv", kByte},     {"calcambi", kByte},      {"ambidist", kInteger}}},
+    };
+}
+
+// The file name as every routine uses it: trailing blanks cut off.
+QString fileName(const Context &ctx)
+{
+    QString name = ctx.state.measurementFileName;
+    while (name.endsWith(u' '))
+        name.chop(1);
+    return name;
+}
+
+// A number for a whole-number column of the range lo..hi. The conversion rounds half to even;
+// a value out of range cannot be stored and leaves the column empty.
+QVariant whole(double value, double lo, double hi)
+{
+    const double rounded = std::nearbyint(value);
+    if (!std::isfinite(rounded) || rounded < lo || rounded > hi)
+        return {};
+    return qlonglong(rounded);
+}
+
+QVariant byteColumn(double value) { return whole(value, 0, 255); }
+QVariant integerColumn(double value) { return whole(value, -32768, 32767); }
+QVariant singleColumn(float value) { return double(value); }
+QVariant textColumn(const QString &text, int width) { return text.left(width); }
+
+using Row = QList<QPair<QString, QVariant>>;
+
+void addRow(DataView &view, const Row &row)
+{
+    view.addNew();
+    for (const auto &[column, value] : row)
+        view.setValue(column, value);
+    view.update();
+}
+
+// Opens the state's file, runs `write` on it in one transaction and closes the file again.
+template <typename Write>
+void writeInOneTransaction(Context &ctx, Write write)
+{
+    SqliteFile file(fileName(ctx));
+    QSqlDatabase db = file.handle();
+    if (!db.isOpen() || !db.transaction())
+        return;
+    write(db);
+    if (!db.commit())
+        db.rollback();
+}
+
+const QStringList kTraceColumns{"Frequency", "Sample_dBmW", "Average_dBmW", "Maxhold_dBmW", "Memory_dBmW", "QPeak_dBmW"};
+
+// One row per point: the frequency in 32-bit float arithmetic, the traces in dB.
+QList<QVariantList> traceRows(const AppState &s)
+{
+    const float start = s.chart.startFrequency;
+    // One point alone has no step; the division fails and the step stays 0.
+    const float step = s.pointCount == 1 ? 0.0f : (s.chart.stopFrequency - start) / float(s.pointCount - 1);
+    const TraceStore &t = s.traces;
+    QList<QVariantList> rows;
+    rows.reserve(std::max(s.pointCount, 0));
+    for (qint32 i = 1; i <= s.pointCount; ++i) {
+        const float frequency = float(i - 1) * step + start;
+        QVariantList row{singleColumn(frequency), QVariant(), QVariant(), QVariant(), QVariant(), 0.0};
+        if (i < kTraceSize) { // beyond the arrays' bound the level columns stay empty
+            row[1] = singleColumn(float(t.sampleTrace[i] / 2.5));
+            row[2] = singleColumn(float(t.averageTrace[i] / 2.5));
+            row[3] = singleColumn(float(t.maxholdTrace[i] / 2.5));
+            row[4] = singleColumn(float(t.memoryTrace[i] / 2.5));
+        }
+        rows.append(row);
+    }
+    return rows;
+}
+
+QString limitPointsSource(qint32 limitnr)
+{
+    return QStringLiteral("select * from limitdef where limitnr = ") + QString::number(limitnr)
+           + QStringLiteral(" order by frequency");
+}
+
+// Copies the two limit lines in force: row n holds the n-th point of each line.
+void fillLimitLines(Context &ctx, QSqlDatabase file)
+{
+    DataView lines(file);
+    lines.setSource(QStringLiteral("select * from limitlines"));
+    Recordset average(workingDatabase(ctx), limitPointsSource(ctx.state.averageLimitNr));
+    for (average.moveFirst(); !average.isEof(); average.moveNext())
+        addRow(lines, {{"avefreq", average.value("frequency")}, {"average_dBmW", average.value("level_dbmw")}});
+
+    Recordset maxhold(workingDatabase(ctx), limitPointsSource(ctx.state.maxholdLimitNr));
+    if (maxhold.rowCount() == 0)
+        return;
+    lines.moveFirst();
+    if (lines.isEof())
+        lines.addNew();
+    else
+        lines.edit();
+    for (maxhold.moveFirst(); !maxhold.isEof(); maxhold.moveNext()) {
+        lines.setValue("maxfreq", maxhold.value("frequency"));
+        lines.setValue("maxhold_dBmW", maxhold.value("level_dbmw"));
+        lines.update();
+        if (lines.isEof()) {
+            lines.addNew();
+        } else {
+            lines.moveNext();
+            if (lines.isEof())
+                lines.addNew();
+            else
+                lines.edit();
+        }
+    }
+    // The row opened for a next point that never comes is dropped when the view goes.
+}
+
+// The settings row in the order it is written; .mes and .emc take some columns from elsewhere.
+Row settingsRow(const Context &ctx, bool emc)
+{
+    const AppState &s = ctx.state;
+    const AnalyserSettings &a = s.analyser;
+    const auto either = [emc](const QVariant &trace, const QVariant &run) { return emc ? run : trace; };
+    Row row{
+        {"vernr", emc ? kEmcFileVersion : kTraceFileVersion},
+        {"dat", ctx.clock.now().toString(Qt::ISODate)},
+        {"centerfreq", singleColumn(emc ? s.chart.startFrequency : a.centerFrequency)},
+        {"reflevel", singleColumn(a.refLevel)},
+        {"attenuator", singleColumn(a.attenuator)},
+        {"bandwith", integerColumn(a.bandwidth)},
+        {"videofilter", either(int(a.videoFilter), 0)},
+        {"span", either(int(a.span), 0)},
+        {"unit", textColumn(s.unitName, 20)},
+        {"correctionon", int(s.correctionOn)},
+        {"configname", textColumn(emc ? s.emcTestName : s.configName, 80)},
+        {"readmode", either(int(a.readMode), 0)},
+        {"viewsample", either(int(s.viewSample), 0)},
+        {"viewaverage", either(int(s.viewAverage), int(s.emcViewAverage))},
+        {"viewmaxhold", either(int(s.viewMaxhold), int(s.emcViewMaxhold))},
+        {"viewb", int(s.viewMemoryB)},
+        {"viewab", either(int(s.viewMemoryAB), 0)},
+        {"viewqpeak", either(0, int(s.emcViewQPeak))},
+        {"viewlimitmax", int(s.viewLimitMax)},
+        {"viewlimitave", int(s.viewLimitAverage)},
+        {"averagename", textColumn(s.averageLimitName, 80)},
+        {"maxholdname", textColumn(s.maxholdLimitName, 80)},
+        {"tgon", either(int(a.tgOn), 0)},
+        {"tglevel", either(singleColumn(a.tgLevel), 0.0)},
+        {"mode", either(0, s.emcScanMode == 1 ? 1 : 2)},
+        // Distances are floats in the state; the file keeps whole metres.
+        {"lmaxdist", byteColumn(s.maxholdLimitDistance)},
+        {"lavedist", byteColumn(s.averageLimitDistance)},
+        {"configdist", byteColumn(s.distanceFromDut)},
+        {"lmaxlog", int(s.maxholdLimitLog)},
+        {"lavelog", int(s.averageLimitLog)},
+        {"grafikmin", either(int(s.chart.grafikMin), 0)},
+        {"grafikmax", either(int(s.chart.grafikMax), 0)},
+    };
+    const Row headline{{"headline", textColumn(emc ? s.emcTestName.trimmed() : s.headline, 80)}};
+    const Row note{{"note", s.notes}};
+    if (!emc)
+        return row + headline + note;
+    return row + note + headline
+           + Row{{"ambient", int(s.ambientOn)},
+                 {"viewambi", int(s.emcViewAmbient)},
+                 {"viewambih", int(s.emcViewAmbientH)},
+                 {"viewambiv", int(s.emcViewAmbientV)},
+                 {"calcambi", int(s.emcCalcAmbient)},
+                 {"ambidist", integerColumn(s.emcAmbientDistance)}};
+}
+
+void writeSettingsRow(const Context &ctx, QSqlDatabase file, bool emc)
+{
+    DataView settings(file);
+    settings.setSource(QStringLiteral("select * from settings"));
+    addRow(settings, settingsRow(ctx, emc));
+}
+
+// A stored value into a field of the state. A null, something that is no number for a number
+// field, or a number the field cannot hold leaves the field as it was. True when it was taken.
+template <typename T>
+bool take(const QVariant &value, T &field)
+{
+    if (value.isNull())
+        return false;
+    if constexpr (std::is_same_v<T, QString>) {
+        field = value.toString();
+        return true;
+    } else if constexpr (std::is_same_v<T, QDateTime>) {
+        const QDateTime moment = QDateTime::fromString(value.toString(), Qt::ISODate);
+        if (moment.isValid())
+            field = moment;
+        return moment.isValid();
+    } else {
+        bool ok = false;
+        const double number = value.toDouble(&ok);
+        if (!ok || !std::isfinite(number))
+            return false;
+        if constexpr (std::is_floating_point_v<T>) {
+            if (std::fabs(number) > double(std::numeric_limits<T>::max()))
+                return false;
+            field = T(number);
+        } else {
+            const double rounded = std::nearbyint(number);
+            if (rounded < double(std::numeric_limits<T>::lowest()) || rounded > double(std::numeric_limits<T>::max()))
+                return false;
+            field = T(rounded);
+        }
+        return true;
+    }
+}
+
+enum Versions { V100 = 1, V101 = 2, V102 = 4, AllVersions = V100 | V101 | V102 };
+
+int versionBit(const QVariant &vernr)
+{
+    qint32 version = 0;
+    take(vernr, version);
+    switch (version) {
+    case kTraceFileVersion: return V100;
+    case kOldEmcFileVersion: return V101;
+    case kEmcFileVersion: return V102;
+    default: return 0;
+    }
+}
+
+void enterMode(Context &ctx)
+{
+    const auto &enter = ctx.state.emcMode != 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode;
+    if (enter)
+        enter();
+}
+
+// The settings row of a file of a known version. `mode` comes first, because entering the
+// mode resets the panels that the other columns then fill.
+void readSettingsRow(Context &ctx, const DataView &settings, int version)
+{
+    AppState &s = ctx.state;
+    AnalyserSettings &a = s.analyser;
+    take(settings.value("mode"), s.emcMode);
+    enterMode(ctx);
+    const auto read = [&](const char *column, auto &field, int versions) {
+        if (versions & version)
+            take(settings.value(column), field);
+    };
+    read("dat", s.measurementDate, AllVersions);
+    read("centerfreq", a.centerFrequency, AllVersions);
+    read("reflevel", a.refLevel, AllVersions);
+    read("attenuator", a.attenuator, AllVersions);
+    read("bandwith", a.bandwidth, AllVersions);
+    read("videofilter", a.videoFilter, AllVersions);
+    read("span", a.span, AllVersions);
+    read("unit", s.unitName, AllVersions);
+    read("correctionon", s.correctionOn, AllVersions);
+    read("configname", s.configName, AllVersions);
+    read("readmode", a.readMode, AllVersions);
+    read("viewsample", s.viewSample, AllVersions);
+    read("viewaverage", s.viewAverage, AllVersions);
+    read("viewmaxhold", s.viewMaxhold, AllVersions);
+    read("viewb", s.viewMemoryB, AllVersions);
+    read("viewab", s.viewMemoryAB, V100); // an .emc file writes it 0 and never gives it back
+    read("viewqpeak", s.viewQPeak, AllVersions);
+    read("viewlimitmax", s.viewLimitMax, AllVersions);
+    read("viewlimitave", s.viewLimitAverage, AllVersions);
+    read("averagename", s.averageLimitName, AllVersions);
+    read("maxholdname", s.maxholdLimitName, AllVersions);
+    read("tgon", a.tgOn, AllVersions);
+    read("tglevel", a.tgLevel, AllVersions);
+    read("lmaxdist", s.maxholdLimitDistance, AllVersions);
+    read("lavedist", s.averageLimitDistance, AllVersions);
+    read("configdist", s.distanceFromDut, AllVersions);
+    read("lmaxlog", s.maxholdLimitLog, AllVersions);
+    read("lavelog", s.averageLimitLog, AllVersions);
+    read("grafikmin", s.chart.grafikMin, AllVersions);
+    read("grafikmax", s.chart.grafikMax, AllVersions);
+    read("headline", s.headline, AllVersions);
+    if (take(settings.value("note"), s.notes))
+        s.notes = s.notes.trimmed();
+    read("ambient", s.ambientOn, V101 | V102);
+    read("viewambi", s.emcViewAmbient, V102);
+    read("viewambih", s.emcViewAmbientH, V102);
+    read("viewambiv", s.emcViewAmbientV, V102);
+    read("calcambi", s.emcCalcAmbient, V102);
+    read("ambidist", s.emcAmbientDistance, V102);
+}
+
+// The unit of an EMC file, looked up in the working database's units.
+void lookUpUnit(Context &ctx)
+{
+    AppState &s = ctx.state;
+    Recordset units(workingDatabase(ctx), QStringLiteral("unit"));
+    // The name goes between the quotes as it stands: one with an apostrophe finds nothing.
+    if (units.findFirst(QStringLiteral("unitname like '") + s.unitName.trimmed() + u'\'')) {
+        take(units.value("unitname"), s.unitName);
+        take(units.value("unitoffset"), s.analyser.unitOffset);
+    } else {
+        s.unitName = QStringLiteral("dBmW");
+        s.analyser.unitOffset = 0.0f;
+    }
+}
+
+const QString kRowsByFrequency = QStringLiteral("select * from measurement order by frequency");
+
+} // namespace
+
+const QList<TableSchema> &measurementTables()
+{
+    static const QList<TableSchema> tables = buildTables();
+    return tables;
+}
+
+bool createMeasurementFile(Context &ctx)
+{
+    const QString path = fileName(ctx);
+    if (path.isEmpty())
+        return false;
+    // A journal left by an interrupted write of an earlier file of this name would be rolled
+    // into the new file: it goes with the file.
+    for (const QString &suffix : {QString(), QStringLiteral("-journal"), QStringLiteral("-wal"), QStringLiteral("-shm")})
+        QFile::remove(path + suffix);
+    bool ok = false;
+    {
+        SqliteFile file(path, SqliteFile::OpenMode::CreateIfMissing);
+        QSqlDatabase db = file.handle();
+        if (db.isOpen() && db.transaction()) {
+            QSqlQuery query(db);
+            ok = true;
+            for (const TableSchema &table : measurementTables())
+                ok = ok && query.exec(createTableSql(table));
+            query.finish();
+            ok = ok ? db.commit() : (db.rollback(), false);
+        }
+    }
+    if (!ok)
+        QFile::remove(path);
+    return ok;
+}
+
+void writeTraceMeasurement(Context &ctx)
+{
+    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
+        DataView rows(db);
+        rows.setSource(QStringLiteral("select * from measurement"));
+        rows.appendRows(kTraceColumns, traceRows(ctx.state));
+        fillLimitLines(ctx, db);
+        writeSettingsRow(ctx, db, false);
+    });
+}
+
+void writeEmcHeader(Context &ctx)
+{
+    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
+        fillLimitLines(ctx, db);
+        writeSettingsRow(ctx, db, true);
+    });
+}
+
+void updateEmcChartRange(Context &ctx)
+{
+    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
+        DataView settings(db);
+        settings.setSource(QStringLiteral("select * from settings"));
+        settings.edit();
+        settings.setValue("grafikmin", integerColumn(ctx.state.chart.grafikMin));
+        settings.setValue("grafikmax", integerColumn(ctx.state.chart.grafikMax));
+        settings.update();
+    });
+}
+
+void readMeasurementFile(Context &ctx)
+{
+    AppState &s = ctx.state;
+    SqliteFile file(fileName(ctx));
+    Recordset settings(file.handle(), QStringLiteral("select * from settings"));
+    if (const int version = versionBit(settings.value("vernr")))
+        readSettingsRow(ctx, settings, version);
+    s.traceFrozen = 1;
+    if (s.emcMode != 0)
+        lookUpUnit(ctx);
+    // Again: a Sweep + Step file's 2 survives what the mode entry did to the field.
+    take(settings.value("mode"), s.emcMode);
+
+    Recordset rows(file.handle(), kRowsByFrequency);
+    if (!rows.isOpen())
+        return;
+    s.pointCount = rows.rowCount();
+    rows.moveFirst();
+    take(rows.value("frequency"), s.chart.startFrequency);
+    rows.moveLast();
+    take(rows.value("frequency"), s.chart.stopFrequency);
+}
+
+std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path)
+{
+    SqliteFile file(path);
+    Recordset settings(file.handle(), QStringLiteral("select * from settings"));
+    Recordset rows(file.handle(), kRowsByFrequency);
+    Recordset lines(file.handle(), QStringLiteral("limitlines"));
+    if (!settings.isOpen() || !rows.isOpen() || !lines.isOpen())
+        return std::nullopt;
+    MeasurementFileSummary summary;
+    for (const ColumnInfo &column : settings.columns()) {
+        const QVariant value = settings.value(column.name);
+        const bool single = column.kind == ColumnKind::Single && !value.isNull();
+        summary.settings.append({column.name, single ? QVariant(value.toFloat()) : value});
+    }
+    if (!settings.hasCurrent())
+        summary.settings.clear();
+    summary.rowCount = rows.rowCount();
+    float frequency = 0.0f;
+    rows.moveFirst();
+    if (take(rows.value("frequency"), frequency))
+        summary.startFrequency = frequency;
+    rows.moveLast();
+    if (take(rows.value("frequency"), frequency))
+        summary.stopFrequency = frequency;
+    return summary;
+}

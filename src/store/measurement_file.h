@@ -1,0 +1,53 @@
+#pragma once
+// Measurement files (.mes traces, .emc runs): small SQLite files with the tables Measurement,
+// Limitlines and Settings, made, written, read back into the state and described.
+//
+// Every routine opens the file named by `measurementFileName` (trailing blanks trimmed), does
+// its work in one transaction and closes it again; failures pass silently and leave an
+// incomplete result, never a half-written file.
+
+#include "store/schema.h"
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QVariant>
+
+#include <optional>
+
+class Context;
+
+// The three tables in the order they are created, with the declared types of the format.
+const QList<TableSchema> &measurementTables();
+
+// File versions in the settings row.
+inline constexpr int kTraceFileVersion = 100;
+inline constexpr int kOldEmcFileVersion = 101; // still read, no longer written
+inline constexpr int kEmcFileVersion = 102;
+
+// Deletes the file and makes it anew with the three empty tables. False when it could not be made.
+bool createMeasurementFile(Context &ctx);
+
+// Fills a .mes file from the state: one Measurement row per trace point, the limit lines,
+// the settings row.
+void writeTraceMeasurement(Context &ctx);
+
+// Fills Limitlines and the settings row of an .emc file at the start of a run.
+void writeEmcHeader(Context &ctx);
+
+// After a run: writes the chart's level bounds into the settings row.
+void updateEmcChartRange(Context &ctx);
+
+// Puts the state back from the file and switches to its mode; the display freezes on the file.
+void readMeasurementFile(Context &ctx);
+
+// What a file holds, for delfor-cli and tests.
+struct MeasurementFileSummary {
+    QList<QPair<QString, QVariant>> settings; // the settings row in column order; empty without a row
+    int rowCount = 0;                         // rows of Measurement
+    std::optional<float> startFrequency;      // lowest and highest Frequency, MHz
+    std::optional<float> stopFrequency;
+};
+
+// None when `path` is no measurement file (missing, not a database, or lacking a table).
+std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path);

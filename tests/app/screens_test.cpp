@@ -1,0 +1,132 @@
+// The program as the user sees it: live traces from the simulated analyser, a stored .mes file
+// and a stored .emc run, each drawn on screen and checked for its trace colours. The window
+// images are kept in the build folder (screenshots/) to be looked at.
+
+#include "frame_bench.h"
+
+#include "chart/grafik.h"
+#include "chart/image_canvas.h"
+#include "store/measurement_file.h"
+
+#include <QAction>
+#include <QDir>
+#include <QMdiSubWindow>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <cmath>
+
+namespace {
+
+int pixelsOf(const QImage &image, quint32 bgr)
+{
+    const QRgb wanted = bgrColour(bgr).rgb();
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            count += (line[x] & 0xFFFFFF) == (wanted & 0xFFFFFF);
+    }
+    return count;
+}
+
+// An .emc run of the Sweep + Step kind: the sweep as a line, the ambient below it, and every
+// tenth row measured by the detectors.
+void writeEmcRun(FrameBench &b, const QString &path)
+{
+    AppState &s = b.state();
+    s.measurementFileName = path;
+    s.emcScanMode = 2;
+    s.emcTestName = QStringLiteral("EN 55032 B radiated 3m");
+    s.emcViewMaxhold = s.emcViewQPeak = s.emcViewAverage = 1;
+    s.emcViewAmbient = 1;
+    s.viewMemoryB = 1;
+    s.chart.grafikMin = -300;
+    s.chart.grafikMax = -50;
+    QVERIFY(createMeasurementFile(b.ctx()));
+    writeEmcHeader(b.ctx());
+    updateEmcChartRange(b.ctx());
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("emc-run"));
+    db.setDatabaseName(path);
+    QVERIFY(db.open());
+    db.transaction();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("insert into Measurement (Frequency, Sample_dBmW, memory_dBmW, Ambient_H_dBmW, "
+                             "Maxhold_dBmW, QPeak_dBmW, Average_dBmW) values (?, ?, ?, ?, ?, ?, ?)"));
+    for (int i = 0; i < 971; ++i) {
+        const double f = 30.0 + i;
+        const double harmonic = (i % 48 == 0) ? 35.0 : 0.0;
+        const double sweep = -95.0 + 6.0 * std::sin(i / 40.0) + harmonic;
+        const bool measured = i % 48 == 0;
+        q.addBindValue(f);
+        q.addBindValue(measured ? 1.0 : 0.0);
+        q.addBindValue(sweep);
+        q.addBindValue(-100.0 + 3.0 * std::sin(i / 9.0));
+        q.addBindValue(measured ? sweep - 2.0 : QVariant());
+        q.addBindValue(measured ? sweep - 6.0 : QVariant());
+        q.addBindValue(measured ? sweep - 12.0 : QVariant());
+        QVERIFY(q.exec());
+    }
+    db.commit();
+    db.close();
+}
+
+} // namespace
+
+class ScreensTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void screens_data();
+    void screens();
+};
+
+void ScreensTest::screens_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<quint32>("traceColour");
+    QTest::newRow("live") << "live" << quint32(0x008000);
+    QTest::newRow("stored-mes") << "mes" << quint32(0x008000);
+    QTest::newRow("stored-emc") << "emc" << quint32(0x0000FF);
+}
+
+void ScreensTest::screens()
+{
+    QFETCH(QString, source);
+    QFETCH(quint32, traceColour);
+    FrameBench b;
+    b.frame->resize(1280, 800);
+    b.start();
+    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
+    QCoreApplication::processEvents();
+    b.click("Command2");
+    const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
+    if (source == "mes") {
+        b.prompts().answerFile("Select Measurement", file);
+        b.trigger("mnusmeasurement");
+    } else if (source == "emc") {
+        writeEmcRun(b, file);
+    }
+    if (source != "live") {
+        b.prompts().answerFile("Select Measurement", file);
+        b.trigger("mnulmeasure");
+        QCOMPARE(b.state().traceFrozen, quint8(1));
+        QCOMPARE(int(b.state().emcMode), source == "emc" ? 2 : 0);
+    }
+    QCoreApplication::processEvents();
+    b.state().repaintRequest = 1;
+    b.frame->timer1Tick();
+
+    const QImage plot = b.frame->grafik()->findChild<CanvasView *>("Picture1")->canvas().image();
+    QVERIFY2(pixelsOf(plot, traceColour) > 200, "the traces are drawn");
+    QVERIFY(pixelsOf(plot, b.state().screenColours[GridColour]) > 200);
+    if (source == "emc")
+        QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 200); // the sweep line
+    QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
+    b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/" + source + ".png");
+    QVERIFY(b.prompts().unexpected.isEmpty());
+}
+
+QTEST_MAIN(ScreensTest)
+#include "screens_test.moc"
