@@ -5,15 +5,15 @@
 #include "core/context.h"
 #include "link/commands.h"
 #include "signal/level_math.h"
-#include "store/sqlite_file.h"
 
-#include <QSqlDriver>
-#include <QSqlRecord>
+#include <QFile>
+#include <algorithm>
 #include <array>
-#include <memory>
-#include <sqlite3.h>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <sqlite3.h>
+#include <vector>
 
 namespace {
 
@@ -57,132 +57,169 @@ double logTenOf(double v) { return logTen(v); }
 // Fix: the fraction dropped towards zero; a value that is not finite stays so, and is skipped later.
 double fix(double v) { return std::isfinite(v) ? std::trunc(v) : v; }
 
-// The level rows of the measurement table in frequency order, read forward only, with just
-// the columns in use; column names are matched without regard to case against the file's table.
-// The rows are stepped through SQLite itself: a file of 100,000 rows must paint in a few tens of
-// milliseconds, which rules out a value object per cell. A table already in frequency order (as
-// the writer leaves it) is read in its stored order, which spares the sort.
+// The level rows of the measurement table in frequency order, with just the columns in use;
+// column names are matched without regard to case against the file's table. The file is read
+// in one pass through SQLite itself into a compact array of counts: a file of 100,000 rows must
+// paint in a few tens of milliseconds, which rules out a value object per cell. A table already
+// in frequency order (as the writer leaves it) needs no sort.
 class StoredRows {
 public:
-    StoredRows(const QSqlDatabase &db, int selection, const Slots &wanted)
+    StoredRows(const QString &path, int selection, const Slots &wanted)
     {
         field_.fill(-1);
-        const QVariant handle = db.driver()->handle();
-        if (qstrcmp(handle.typeName(), "sqlite3*") != 0)
-            return;
-        sqlite_ = *static_cast<sqlite3 *const *>(handle.constData());
-        // The file is read through a memory map, without copying its pages; the connection is
-        // this paint's own and ends with it.
-        sqlite3_exec(sqlite_, "PRAGMA mmap_size=268435456", nullptr, nullptr, nullptr);
-        const QSqlRecord record = db.record(QStringLiteral("measurement"));
-        const QString frequency = columnOf(record, QStringLiteral("frequency"));
+        Connection db = openCopy(path);
+        const QStringList names = tableColumns(db.get());
+        const QString frequency = columnOf(names, QStringLiteral("frequency"));
         if (frequency.isEmpty())
             return;
-        const QSqlDriver *driver = db.driver();
-        QStringList columns{driver->escapeIdentifier(frequency, QSqlDriver::FieldName)};
+        QStringList columns{quoted(frequency)};
         for (int slot = 0; slot < SlotCount; ++slot) {
-            const QString name = wanted[slot] ? columnOf(record, storedColumn(Slot(slot), selection)) : QString();
+            const QString name = wanted[slot] ? columnOf(names, storedColumn(Slot(slot), selection)) : QString();
             if (name.isEmpty())
                 continue;
             field_[slot] = int(columns.size());
-            columns.append(driver->escapeIdentifier(name, QSqlDriver::FieldName));
+            columns.append(quoted(name));
         }
-        const bool inOrder = countRows(columns.first());
-        rows_ = prepare(QStringLiteral("select %1 from measurement order by %2")
-                            .arg(columns.join(QLatin1Char(',')), inOrder ? QStringLiteral("rowid") : columns.first()));
+        load(db.get(), QStringLiteral("select %1 from measurement order by rowid").arg(columns.join(QLatin1Char(','))));
     }
 
-    qint64 recordCount() const { return recordCount_; }
-    // At the end it stays at the end: a finished statement would start again if stepped.
+    qint64 recordCount() const { return qint64(rows_.size()); }
+    // At the end it stays at the end.
     bool next()
     {
-        atEnd_ = atEnd_ || !rows_ || sqlite3_step(rows_.get()) != SQLITE_ROW;
-        return !atEnd_;
+        const auto count = std::ptrdiff_t(rows_.size());
+        if (at_ < count)
+            ++at_;
+        return at_ < count;
     }
-    float frequency() const { return float(sqlite3_column_double(rows_.get(), 0)); }
+    float frequency() const { return rows_[at_].frequency; }
 
     // The row's levels as counts; a NULL, a missing column or a value out of range keeps the old value.
     void read(Levels &into) const
     {
         for (int slot = 0; slot < SlotCount; ++slot)
-            if (const auto level = levelAt(slot))
-                into[slot] = *level;
+            if (const qint16 level = rows_[at_].levels[slot]; level != kNoLevel)
+                into[slot] = level;
     }
     // The row's levels where they are higher.
     void raise(Levels &into) const
     {
         for (int slot = 0; slot < SlotCount; ++slot)
-            if (const auto level = levelAt(slot); level && *level > into[slot])
-                into[slot] = *level;
+            if (const qint16 level = rows_[at_].levels[slot]; level != kNoLevel && level > into[slot])
+                into[slot] = level;
     }
 
 private:
-    struct Finalize {
-        void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }
+    // Counts are 16 bits; the lowest is kept for "no value" (it lies 13,107 dB down).
+    static constexpr qint16 kNoLevel = std::numeric_limits<qint16>::min();
+    struct Row {
+        float frequency;
+        std::array<qint16, SlotCount> levels;
     };
-    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-    Statement prepare(const QString &sql) const
+    // All rows in stored order, then sorted by frequency unless they are in order already
+    // (a NULL frequency sorts first, rows of equal frequency keep their stored order).
+    void load(sqlite3 *sqlite, const QString &sql)
     {
         sqlite3_stmt *statement = nullptr;
-        if (sqlite3_prepare_v2(sqlite_, sql.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK) {
-            sqlite3_finalize(statement);
+        if (sqlite3_prepare_v2(sqlite, "select count(*) from measurement", -1, &statement, nullptr) == SQLITE_OK
+            && sqlite3_step(statement) == SQLITE_ROW)
+            rows_.reserve(size_t(std::max<sqlite3_int64>(0, sqlite3_column_int64(statement, 0))));
+        sqlite3_finalize(statement);
+        statement = nullptr;
+        if (sqlite3_prepare_v2(sqlite, sql.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+            while (sqlite3_step(statement) == SQLITE_ROW)
+                rows_.push_back(rowOf(statement));
+        }
+        sqlite3_finalize(statement);
+        const auto byFrequency = [](const Row &a, const Row &b) { return a.frequency < b.frequency; };
+        if (!std::is_sorted(rows_.begin(), rows_.end(), byFrequency))
+            std::stable_sort(rows_.begin(), rows_.end(), byFrequency);
+    }
+
+    Row rowOf(sqlite3_stmt *statement) const
+    {
+        Row row;
+        row.frequency = sqlite3_column_type(statement, 0) == SQLITE_NULL
+                            ? -std::numeric_limits<float>::infinity()
+                            : float(sqlite3_column_double(statement, 0));
+        for (int slot = 0; slot < SlotCount; ++slot)
+            row.levels[slot] = levelAt(statement, field_[slot]);
+        return row;
+    }
+
+    // dB x 2.5, halves to even, as a 16-bit count; kNoLevel for a NULL, text or a value out of range.
+    static qint16 levelAt(sqlite3_stmt *statement, int field)
+    {
+        if (field < 0)
+            return kNoLevel;
+        const int type = sqlite3_column_type(statement, field);
+        if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
+            return kNoLevel;
+        const double counts = std::nearbyint(sqlite3_column_double(statement, field) * 2.5);
+        if (!(counts > kNoLevel && counts <= std::numeric_limits<qint16>::max()))
+            return kNoLevel;
+        return qint16(counts);
+    }
+
+    struct Close {
+        void operator()(sqlite3 *db) const { sqlite3_close(db); }
+    };
+    using Connection = std::unique_ptr<sqlite3, Close>;
+
+    // The file read whole into memory and opened there: one read of the disk instead of one per
+    // page, and nothing another program does to the file meanwhile can reach this paint. A file
+    // too large for that is read where it lies.
+    static Connection openCopy(const QString &path)
+    {
+        constexpr qint64 kLargestCopy = 256 * 1024 * 1024;
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
             return {};
+        sqlite3 *db = nullptr;
+        if (file.size() > kLargestCopy) {
+            sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+            return Connection(db);
         }
-        return Statement(statement);
+        const QByteArray bytes = file.readAll();
+        auto *copy = static_cast<unsigned char *>(sqlite3_malloc64(sqlite3_uint64(qMax<qsizetype>(1, bytes.size()))));
+        if (sqlite3_open(":memory:", &db) != SQLITE_OK || !copy) {
+            sqlite3_free(copy);
+            return Connection(db);
+        }
+        std::memcpy(copy, bytes.constData(), size_t(bytes.size()));
+        sqlite3_deserialize(db, "main", copy, bytes.size(), bytes.size(),
+                            SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_READONLY);
+        return Connection(db);
     }
 
-    // RecordCount, and whether the stored order is already the frequency order (NULL first).
-    bool countRows(const QString &frequency)
+    static QStringList tableColumns(sqlite3 *db)
     {
-        const Statement walk = prepare(QStringLiteral("select %1 from measurement order by rowid").arg(frequency));
-        if (!walk) {
-            const Statement count = prepare(QStringLiteral("select count(*) from measurement"));
-            if (count && sqlite3_step(count.get()) == SQLITE_ROW)
-                recordCount_ = sqlite3_column_int64(count.get(), 0);
-            return false;
-        }
-        bool inOrder = true;
-        double last = -std::numeric_limits<double>::infinity();
-        while (sqlite3_step(walk.get()) == SQLITE_ROW) {
-            ++recordCount_;
-            const double f = sqlite3_column_type(walk.get(), 0) == SQLITE_NULL
-                                 ? -std::numeric_limits<double>::infinity()
-                                 : sqlite3_column_double(walk.get(), 0);
-            inOrder = inOrder && !(f < last);
-            last = f;
-        }
-        return inOrder;
+        QStringList names;
+        sqlite3_stmt *statement = nullptr;
+        if (db && sqlite3_prepare_v2(db, "pragma table_info(measurement)", -1, &statement, nullptr) == SQLITE_OK)
+            while (sqlite3_step(statement) == SQLITE_ROW)
+                names << QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(statement, 1)));
+        sqlite3_finalize(statement);
+        return names;
     }
 
-    static QString columnOf(const QSqlRecord &record, const QString &name)
+    static QString columnOf(const QStringList &names, const QString &name)
     {
-        for (int i = 0; i < record.count(); ++i)
-            if (record.fieldName(i).compare(name, Qt::CaseInsensitive) == 0)
-                return record.fieldName(i);
+        for (const QString &column : names)
+            if (column.compare(name, Qt::CaseInsensitive) == 0)
+                return column;
         return {};
     }
 
-    // dB x 2.5, halves to even, as a 16-bit count.
-    std::optional<int> levelAt(int slot) const
+    static QString quoted(const QString &name)
     {
-        const int field = field_[slot];
-        if (field < 0)
-            return std::nullopt;
-        const int type = sqlite3_column_type(rows_.get(), field);
-        if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
-            return std::nullopt;
-        const double counts = std::nearbyint(sqlite3_column_double(rows_.get(), field) * 2.5);
-        if (!(counts >= std::numeric_limits<qint16>::min() && counts <= std::numeric_limits<qint16>::max()))
-            return std::nullopt;
-        return int(counts);
+        return QLatin1Char('"') + QString(name).replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QLatin1Char('"');
     }
 
-    sqlite3 *sqlite_ = nullptr;
-    Statement rows_;
-    bool atEnd_ = false;
+    std::vector<Row> rows_;
+    std::ptrdiff_t at_ = -1; // before the first row
     std::array<int, SlotCount> field_;
-    qint64 recordCount_ = 0;
 };
 
 using StoredStep = std::function<void(float f1, const Levels &previous, float f2, const Levels &current)>;
@@ -667,10 +704,7 @@ void ChartPainter::paintStored()
     wanted[AmbientH] = wanted[AmbientH] && emcBars;
     wanted[AmbientV] = wanted[AmbientV] && emcBars;
     wanted[Sample] = wanted[Sample] || emcBars; // the mark of a measured row
-    SqliteFile file(s.measurementFileName);
-    if (!file.isOpen())
-        return;
-    StoredRows rows(file.handle(), zeroSpan ? 0 : v.paintSelection, wanted);
+    StoredRows rows(s.measurementFileName.trimmed(), zeroSpan ? 0 : v.paintSelection, wanted);
     const Slots on = visibleSlots(s);
     auto colour = [&s](int slot) { return s.screenColours[kSlotColour[slot]]; };
 
