@@ -15,14 +15,8 @@
 
 namespace {
 
-const QString kSingle = QStringLiteral("SINGLE");
-const QString kByte = QStringLiteral("BYTE");
-const QString kInteger = QStringLiteral("INTEGER");
-const QString kBoolean = QStringLiteral("BOOLEAN");
-const QString kDate = QStringLiteral("DATE");
-const QString kMemo = QStringLiteral("MEMO");
-const QString kText20 = QStringLiteral("TEXT(20)");
-const QString kText80 = QStringLiteral("TEXT(80)");
+const QString kText20 = textType(20);
+const QString kText80 = textType(80);
 
 QList<ColumnSchema> singles(const QStringList &names)
 {
@@ -369,22 +363,7 @@ bool createMeasurementFile(Context &ctx)
     // into the new file: it goes with the file.
     for (const QString &suffix : {QString(), QStringLiteral("-journal"), QStringLiteral("-wal"), QStringLiteral("-shm")})
         QFile::remove(path + suffix);
-    bool ok = false;
-    {
-        SqliteFile file(path, SqliteFile::OpenMode::CreateIfMissing);
-        QSqlDatabase db = file.handle();
-        if (db.isOpen() && db.transaction()) {
-            QSqlQuery query(db);
-            ok = true;
-            for (const TableSchema &table : measurementTables())
-                ok = ok && query.exec(createTableSql(table));
-            query.finish();
-            ok = ok ? db.commit() : (db.rollback(), false);
-        }
-    }
-    if (!ok)
-        QFile::remove(path);
-    return ok;
+    return writeNewDatabase(path, measurementTables());
 }
 
 void writeTraceMeasurement(Context &ctx)

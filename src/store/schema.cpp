@@ -9,53 +9,44 @@
 
 namespace {
 
-const QString kSingle = QStringLiteral("SINGLE");
-const QString kDouble = QStringLiteral("DOUBLE");
-const QString kByte = QStringLiteral("BYTE");
-const QString kInteger = QStringLiteral("INTEGER");
-const QString kLong = QStringLiteral("LONG");
-const QString kBoolean = QStringLiteral("BOOLEAN");
-const QString kMemo = QStringLiteral("MEMO");
-QString text(int width) { return QStringLiteral("TEXT(%1)").arg(width); }
-
 QList<TableSchema> buildTables()
 {
     return {
         {"version", {{"versionnr", kSingle}}},
         {"qpeak",
          {{"tauf-30", kSingle}, {"tauf-1000", kSingle}, {"tent-30", kSingle}, {"tent-1000", kSingle}}},
-        {"unit", {{"unitname", text(20)}, {"unitoffset", kSingle}}},
+        {"unit", {{"unitname", textType(20)}, {"unitoffset", kSingle}}},
         {"LimitHead",
          {{"limitnr", kLong},
-          {"limitname", text(80)},
+          {"limitname", textType(80)},
           {"Radiated", kBoolean},
           {"loga", kBoolean},
           {"Distance", kSingle},
           {"Memo", kMemo},
-          {"limunit", text(20)},
-          {"dat", text(20)},
-          {"tim", text(20)}}},
+          {"limunit", textType(20)},
+          {"dat", textType(20)},
+          {"tim", textType(20)}}},
         {"LimitDef", {{"limitnr", kLong}, {"frequency", kSingle}, {"level_dbmw", kSingle}}},
         {"loshead",
          {{"losnr", kLong},
-          {"losname", text(80)},
+          {"losname", textType(80)},
           {"lostyp", kInteger},
           {"Distance", kSingle},
           {"Memo", kMemo},
-          {"dat", text(20)},
-          {"tim", text(20)}}},
+          {"dat", textType(20)},
+          {"tim", textType(20)}}},
         {"losdef", {{"losnr", kLong}, {"frequency", kSingle}, {"level_dbmw", kSingle}}},
         {"MeasureCount", {{"limitnr", kLong}, {"losnr", kLong}}},
         {"config",
-         {{"ConfigName", text(80)},
+         {{"ConfigName", textType(80)},
           {"devicea", kLong},
           {"deviceb", kLong},
           {"devicec", kLong},
           {"deviced", kLong},
           {"devicee", kLong}}},
         {"test",
-         {{"name", text(80)},
-          {"config", text(80)},
+         {{"name", textType(80)},
+          {"config", textType(80)},
           {"peak", kLong},
           {"average", kLong},
           {"startfreq", kSingle},
@@ -64,7 +55,7 @@ QList<TableSchema> buildTables()
           {"AVdet", kBoolean},
           {"rbw", kInteger},
           {"ref", kSingle},
-          {"unit", text(20)},
+          {"unit", textType(20)},
           {"atten", kSingle},
           {"horizontal", kBoolean},
           {"vertical", kBoolean},
@@ -78,16 +69,16 @@ QList<TableSchema> buildTables()
           {"tgon", kBoolean},
           {"memo", kMemo}}},
         {"settings",
-         {{"name", text(80)},
+         {{"name", textType(80)},
           {"centerfreq", kSingle},
           {"reflevel", kSingle},
           {"attenuator", kSingle},
           {"bandwith", kInteger},
           {"videofilter", kByte},
           {"span", kInteger},
-          {"unit", text(20)},
+          {"unit", textType(20)},
           {"correctionon", kByte},
-          {"configname", text(80)},
+          {"configname", textType(80)},
           {"readmode", kByte},
           {"viewsample", kByte},
           {"viewaverage", kByte},
@@ -102,7 +93,7 @@ QList<TableSchema> buildTables()
           {"tglevel", kSingle},
           {"calc", kByte}}},
         {"knownsignals",
-         {{"signal", text(50)},
+         {{"signal", textType(50)},
           {"startfreq", kDouble},
           {"stopfreq", kDouble},
           {"max-level", kDouble},
@@ -160,10 +151,9 @@ QString createTableSql(const TableSchema &table)
     return QStringLiteral("create table %1 (%2)").arg(quoted(table.name), columns.join(QStringLiteral(", ")));
 }
 
-bool writePristineDatabase(const QString &path)
+bool writeNewDatabase(const QString &path, const QList<TableSchema> &tables,
+                      const std::function<bool(QSqlQuery &)> &fill)
 {
-    if (QFile::exists(path) && !QFile::remove(path))
-        return false;
     bool ok = false;
     {
         SqliteFile file(path, SqliteFile::OpenMode::CreateIfMissing);
@@ -171,12 +161,9 @@ bool writePristineDatabase(const QString &path)
         if (db.isOpen() && db.transaction()) {
             QSqlQuery query(db);
             ok = true;
-            for (const TableSchema &table : workingTables())
+            for (const TableSchema &table : tables)
                 ok = ok && query.exec(createTableSql(table));
-            for (const QString &row : starterRows())
-                ok = ok && query.exec(row);
-            for (const StarterStatement &row : deliveredRows())
-                ok = ok && execute(query, row);
+            ok = ok && (!fill || fill(query));
             query.finish();
             ok = ok ? db.commit() : (db.rollback(), false);
         }
@@ -184,4 +171,18 @@ bool writePristineDatabase(const QString &path)
     if (!ok)
         QFile::remove(path);
     return ok;
+}
+
+bool writePristineDatabase(const QString &path)
+{
+    if (QFile::exists(path) && !QFile::remove(path))
+        return false;
+    return writeNewDatabase(path, workingTables(), [](QSqlQuery &query) {
+        bool ok = true;
+        for (const QString &row : starterRows())
+            ok = ok && query.exec(row);
+        for (const StarterStatement &row : deliveredRows())
+            ok = ok && execute(query, row);
+        return ok;
+    });
 }

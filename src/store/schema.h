@@ -7,7 +7,20 @@
 // false. Tables have no key beyond SQLite's rowid.
 
 #include <QList>
+#include <QSqlQuery>
+#include <functional>
 #include <QString>
+
+// Declared type names of the file format.
+inline const QString kSingle = QStringLiteral("SINGLE");
+inline const QString kDouble = QStringLiteral("DOUBLE");
+inline const QString kByte = QStringLiteral("BYTE");
+inline const QString kInteger = QStringLiteral("INTEGER");
+inline const QString kLong = QStringLiteral("LONG");
+inline const QString kBoolean = QStringLiteral("BOOLEAN");
+inline const QString kDate = QStringLiteral("DATE");
+inline const QString kMemo = QStringLiteral("MEMO");
+inline QString textType(int width) { return QStringLiteral("TEXT(%1)").arg(width); }
 
 struct ColumnSchema {
     QString name;
@@ -27,6 +40,11 @@ QString createTableSql(const TableSchema &table);
 
 // Schema revision that the program requires, and that a pristine file carries.
 inline constexpr float kRequiredDatabaseVersion = 1.1f;
+
+// Makes a database file at `path` with `tables` and whatever `fill` writes, all in one
+// transaction; a file that could not be made whole is removed again.
+bool writeNewDatabase(const QString &path, const QList<TableSchema> &tables,
+                      const std::function<bool(QSqlQuery &)> &fill = {});
 
 // Builds a pristine working database at `path` (tables and starter rows) in one transaction.
 // An existing file at `path` is replaced. Returns false if the file could not be written.

@@ -1,24 +1,9 @@
+#include "support/cli_run.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-struct Run {
-    int exitCode;
-    QString out;
-    QString err;
-};
-
-Run cli(const QStringList &args)
-{
-    QProcess p;
-    p.start(qEnvironmentVariable("DELFOR_BIN") + "/delfor-cli", args);
-    if (!p.waitForFinished(20000))
-        return {-1, {}, "did not finish"};
-    return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()),
-            QString::fromLocal8Bit(p.readAllStandardError())};
-}
-} // namespace
 
 class CliIdentifyTest : public QObject {
     Q_OBJECT
@@ -46,7 +31,7 @@ void CliIdentifyTest::identifiesSimulatedModel()
 {
     QFETCH(QStringList, args);
     QFETCH(QString, model);
-    const Run r = cli(args);
+    const CliRun r = cli(args);
     QCOMPARE(r.err, QString());
     QCOMPARE(r.out, "model: " + model + "\nfirmware: 1.40\n");
     QCOMPARE(r.exitCode, 0);
@@ -72,7 +57,7 @@ void CliIdentifyTest::refusesBadArguments()
 {
     QFETCH(QStringList, args);
     QFETCH(QString, message);
-    const Run r = cli(args);
+    const CliRun r = cli(args);
     QCOMPARE(r.exitCode, 1);
     QVERIFY2(r.err.contains(message), qPrintable(r.err));
     QVERIFY(r.err.contains("usage: delfor-cli identify"));
@@ -81,7 +66,7 @@ void CliIdentifyTest::refusesBadArguments()
 
 void CliIdentifyTest::missingPortIsOpenError()
 {
-    const Run r = cli({"identify", "--port", "/dev/delfor-no-such-port"});
+    const CliRun r = cli({"identify", "--port", "/dev/delfor-no-such-port"});
     QCOMPARE(r.exitCode, 1);
     QCOMPARE(r.err, QString("Serial - Error: Can not open com. port\n"));
     QCOMPARE(r.out, QString());
@@ -89,7 +74,7 @@ void CliIdentifyTest::missingPortIsOpenError()
 
 void CliIdentifyTest::readPrintsTraceAsCsv()
 {
-    const Run r = cli({"read", "--simulate", "--csv", "-"});
+    const CliRun r = cli({"read", "--simulate", "--csv", "-"});
     QCOMPARE(r.err, QString());
     QCOMPARE(r.exitCode, 0);
     const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
@@ -107,7 +92,7 @@ void CliIdentifyTest::readWritesCsvFileWithWantedColumns()
 {
     QTemporaryDir dir;
     const QString path = dir.filePath("trace.csv");
-    const Run r = cli({"read", "--simulate=K550-B", "--baud", "115200", "--traces", "maxhold,memory,average",
+    const CliRun r = cli({"read", "--simulate=K550-B", "--baud", "115200", "--traces", "maxhold,memory,average",
                        "--csv", path});
     QCOMPARE(r.exitCode, 0);
     QCOMPARE(r.out, QString());

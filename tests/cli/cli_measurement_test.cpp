@@ -1,25 +1,10 @@
 #include <QFile>
+#include "support/cli_run.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-struct Run {
-    int exitCode;
-    QString out;
-    QString err;
-};
-
-Run cli(const QStringList &args)
-{
-    QProcess p;
-    p.start(qEnvironmentVariable("DELFOR_BIN") + "/delfor-cli", args);
-    if (!p.waitForFinished(20000))
-        return {-1, {}, "did not finish"};
-    return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()),
-            QString::fromLocal8Bit(p.readAllStandardError())};
-}
-} // namespace
 
 class CliMeasurementTest : public QObject {
     Q_OBJECT
@@ -35,12 +20,12 @@ void CliMeasurementTest::readWritesMesFileThatInfoDescribes()
     QTemporaryDir dir;
     const QString mes = dir.filePath("trace.mes");
     const QString csv = dir.filePath("trace.csv");
-    const Run read = cli({"read", "--simulate", "--traces", "sample,maxhold", "--csv", csv, "--mes", mes});
+    const CliRun read = cli({"read", "--simulate", "--traces", "sample,maxhold", "--csv", csv, "--mes", mes});
     QCOMPARE(read.err, QString());
     QCOMPARE(read.exitCode, 0);
     QVERIFY(QFile::exists(csv));
 
-    const Run info = cli({"info", mes});
+    const CliRun info = cli({"info", mes});
     QCOMPARE(info.exitCode, 0);
     const QStringList lines = info.out.split('\n', Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), 42);
@@ -73,7 +58,7 @@ void CliMeasurementTest::infoRefusesOtherFiles()
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write(bytes);
     }
-    const Run r = cli({"info", path});
+    const CliRun r = cli({"info", path});
     QCOMPARE(r.exitCode, 1);
     QCOMPARE(r.out, QString());
     QCOMPARE(r.err, "delfor-cli: " + path + " is no measurement file\n");
