@@ -45,6 +45,8 @@ private slots:
     void savedMeasurementLoadsBack();
     void cancelledLoadSaysFileNotFound();
     void eraseClearsTheTraces();
+    void fileThatIsNoMeasurementIsShownEmpty_data();
+    void fileThatIsNoMeasurementIsShownEmpty();
 };
 
 void FrameCommandsTest::modeSetsItsControls_data()
@@ -279,6 +281,36 @@ void FrameCommandsTest::eraseClearsTheTraces()
     b.click("Command4");
     QCOMPARE(b.state().chart.grafikMin, qint16(1000));
     QCOMPARE(b.state().chart.grafikMax, qint16(-1000));
+}
+
+void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QByteArray noise(40000, '\0');
+    for (int i = 0; i < noise.size(); ++i)
+        noise[i] = char((i * 7919 + i / 13) & 0xFF);
+    QTest::newRow("random bytes") << noise;
+    QTest::newRow("text") << QByteArray("Frequency;Sample\n1;2\n");
+    QTest::newRow("empty") << QByteArray();
+}
+
+void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty()
+{
+    QFETCH(QByteArray, bytes);
+    FrameBench b;
+    b.start();
+    const QString file = b.folder.path() + QStringLiteral("/odd.mes");
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    out.write(bytes);
+    out.close();
+    b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
+    b.trigger("mnulmeasure");
+    b.frame->timer1Tick();
+    QCOMPARE(b.state().traceFrozen, quint8(1));
+    QCOMPARE(b.state().pointCount, 2001); // no rows: the count stands
+    QCOMPARE(b.state().chart.paintBusy, quint8(0));
+    QCOMPARE(b.state().busy, quint8(0));
 }
 
 QTEST_MAIN(FrameCommandsTest)
