@@ -151,12 +151,10 @@ QString level(const TraceArray &trace, int i, bool wanted)
 QByteArray traceCsv(const AppState &s, const QStringList &traces)
 {
     QByteArray out = "Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW\n";
-    const float start = s.chart.startFrequency;
-    const float step = (s.chart.stopFrequency - start) / float(s.pointCount - 1);
     const TraceStore &t = s.traces;
     for (int i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
-        const float frequency = float(i - 1) * step + start;
-        const QStringList row{QString::number(frequency, 'f', 6), level(t.sampleTrace, i, traces.contains("sample")),
+        const QStringList row{QString::number(traceFrequency(s, i), 'f', 6),
+                              level(t.sampleTrace, i, traces.contains("sample")),
                               level(t.averageTrace, i, traces.contains("average")),
                               level(t.maxholdTrace, i, traces.contains("maxhold")),
                               level(t.memoryTrace, i, traces.contains("memory"))};
@@ -180,7 +178,8 @@ int writeMes(Context &ctx, const QString &path)
     if (!createMeasurementFile(ctx))
         return fail("cannot create " + path);
     writeTraceMeasurement(ctx);
-    const auto written = describeMeasurementFile(path);
+    // Checked where the writer put it: the name without its trailing blanks.
+    const auto written = describeMeasurementFile(measurementFilePath(ctx.state));
     if (!written || written->rowCount != ctx.state.pointCount || written->settings.isEmpty())
         return fail("cannot write " + path);
     return 0;

@@ -48,15 +48,6 @@ QList<TableSchema> buildTables()
     };
 }
 
-// The file name as every routine uses it: trailing blanks cut off.
-QString fileName(const Context &ctx)
-{
-    QString name = ctx.state.measurementFileName;
-    while (name.endsWith(u' '))
-        name.chop(1);
-    return name;
-}
-
 // A number for a whole-number column of the range lo..hi. The conversion rounds half to even;
 // a value out of range cannot be stored and leaves the column empty.
 QVariant whole(double value, double lo, double hi)
@@ -86,7 +77,7 @@ void addRow(DataView &view, const Row &row)
 template <typename Write>
 void writeInOneTransaction(Context &ctx, Write write)
 {
-    SqliteFile file(fileName(ctx));
+    SqliteFile file(measurementFilePath(ctx.state));
     QSqlDatabase db = file.handle();
     if (!db.isOpen() || !db.transaction())
         return;
@@ -100,15 +91,11 @@ const QStringList kTraceColumns{"Frequency", "Sample_dBmW", "Average_dBmW", "Max
 // One row per point: the frequency in 32-bit float arithmetic, the traces in dB.
 QList<QVariantList> traceRows(const AppState &s)
 {
-    const float start = s.chart.startFrequency;
-    // One point alone has no step; the division fails and the step stays 0.
-    const float step = s.pointCount == 1 ? 0.0f : (s.chart.stopFrequency - start) / float(s.pointCount - 1);
     const TraceStore &t = s.traces;
     QList<QVariantList> rows;
     rows.reserve(std::max(s.pointCount, 0));
     for (qint32 i = 1; i <= s.pointCount; ++i) {
-        const float frequency = float(i - 1) * step + start;
-        QVariantList row{singleColumn(frequency), QVariant(), QVariant(), QVariant(), QVariant(), 0.0};
+        QVariantList row{singleColumn(traceFrequency(s, i)), QVariant(), QVariant(), QVariant(), QVariant(), 0.0};
         if (i < kTraceSize) { // beyond the arrays' bound the level columns stay empty
             row[1] = singleColumn(float(t.sampleTrace[i] / 2.5));
             row[2] = singleColumn(float(t.averageTrace[i] / 2.5));
@@ -257,16 +244,18 @@ bool take(const QVariant &value, T &field)
 
 enum Versions { V100 = 1, V101 = 2, V102 = 4, AllVersions = V100 | V101 | V102 };
 
+// The stored number is compared as it stands: 100.4 is no known version, it is not rounded to 100.
 int versionBit(const QVariant &vernr)
 {
-    qint32 version = 0;
+    double version = 0.0;
     take(vernr, version);
-    switch (version) {
-    case kTraceFileVersion: return V100;
-    case kOldEmcFileVersion: return V101;
-    case kEmcFileVersion: return V102;
-    default: return 0;
-    }
+    if (version == kTraceFileVersion)
+        return V100;
+    if (version == kOldEmcFileVersion)
+        return V101;
+    if (version == kEmcFileVersion)
+        return V102;
+    return 0;
 }
 
 void enterMode(Context &ctx)
@@ -348,6 +337,22 @@ const QString kRowsByFrequency = QStringLiteral("select * from measurement order
 
 } // namespace
 
+QString measurementFilePath(const AppState &s)
+{
+    QString name = s.measurementFileName;
+    while (name.endsWith(u' '))
+        name.chop(1);
+    return name;
+}
+
+float traceFrequency(const AppState &s, qint32 i)
+{
+    const float start = s.chart.startFrequency;
+    // One point alone has no step; the division fails and the step stays 0.
+    const float step = s.pointCount == 1 ? 0.0f : (s.chart.stopFrequency - start) / float(s.pointCount - 1);
+    return float(i - 1) * step + start;
+}
+
 const QList<TableSchema> &measurementTables()
 {
     static const QList<TableSchema> tables = buildTables();
@@ -356,7 +361,7 @@ const QList<TableSchema> &measurementTables()
 
 bool createMeasurementFile(Context &ctx)
 {
-    const QString path = fileName(ctx);
+    const QString path = measurementFilePath(ctx.state);
     if (path.isEmpty())
         return false;
     // A journal left by an interrupted write of an earlier file of this name would be rolled
@@ -400,7 +405,7 @@ void updateEmcChartRange(Context &ctx)
 void readMeasurementFile(Context &ctx)
 {
     AppState &s = ctx.state;
-    SqliteFile file(fileName(ctx));
+    SqliteFile file(measurementFilePath(ctx.state));
     Recordset settings(file.handle(), QStringLiteral("select * from settings"));
     if (const int version = versionBit(settings.value("vernr")))
         readSettingsRow(ctx, settings, version);

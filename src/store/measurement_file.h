@@ -16,6 +16,7 @@
 #include <optional>
 
 class Context;
+struct AppState;
 
 // The three tables in the order they are created, with the declared types of the format.
 const QList<TableSchema> &measurementTables();
@@ -24,6 +25,12 @@ const QList<TableSchema> &measurementTables();
 inline constexpr int kTraceFileVersion = 100;
 inline constexpr int kOldEmcFileVersion = 101; // still read, no longer written
 inline constexpr int kEmcFileVersion = 102;
+
+// `measurementFileName` as every routine here uses it: trailing blanks cut off.
+QString measurementFilePath(const AppState &s);
+
+// Frequency of trace point i (1 to `pointCount`), MHz: start + (i - 1) * step in 32-bit floats.
+float traceFrequency(const AppState &s, qint32 i);
 
 // Deletes the file and makes it anew with the three empty tables. False when it could not be made.
 bool createMeasurementFile(Context &ctx);

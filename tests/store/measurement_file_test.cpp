@@ -262,17 +262,18 @@ void MeasurementFileTest::emcFileRoundTrip()
 
 void MeasurementFileTest::versions_data()
 {
-    QTest::addColumn<int>("vernr");
+    QTest::addColumn<double>("vernr");
     QTest::addColumn<QList<int>>("read"); // headline, viewMemoryAB, ambientOn, emcViewAmbient taken
-    QTest::newRow("100") << 100 << QList<int>{1, 1, 0, 0};
-    QTest::newRow("101") << 101 << QList<int>{1, 0, 1, 0};
-    QTest::newRow("102") << 102 << QList<int>{1, 0, 1, 1};
-    QTest::newRow("103") << 103 << QList<int>{0, 0, 0, 0};
+    QTest::newRow("100") << 100.0 << QList<int>{1, 1, 0, 0};
+    QTest::newRow("101") << 101.0 << QList<int>{1, 0, 1, 0};
+    QTest::newRow("102") << 102.0 << QList<int>{1, 0, 1, 1};
+    QTest::newRow("103") << 103.0 << QList<int>{0, 0, 0, 0};
+    QTest::newRow("100.4") << 100.4 << QList<int>{0, 0, 0, 0};
 }
 
 void MeasurementFileTest::versions()
 {
-    QFETCH(int, vernr);
+    QFETCH(double, vernr);
     QFETCH(QList<int>, read);
     Fixture f;
     AppState &s = f.ctx.state;
@@ -285,7 +286,7 @@ void MeasurementFileTest::versions()
     readMeasurementFile(f.ctx);
     const QList<int> taken{s.headline == "file", s.viewMemoryAB, s.ambientOn, s.emcViewAmbient};
     QCOMPARE(taken, read);
-    QCOMPARE(f.entered, vernr == 103 ? QStringList() : QStringList("emc"));
+    QCOMPARE(f.entered, read[0] ? QStringList("emc") : QStringList());
     QCOMPARE(s.emcMode, quint8(2));
     QCOMPARE(s.pointCount, 2001);
 }
