@@ -16,7 +16,6 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFile>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -312,6 +311,14 @@ void MainFrame::showGrafik()
     grafikWindow_->show();
 }
 
+// The form is gone with all it showed; the next mode entry loads it anew from the stored geometry.
+void MainFrame::unloadGrafik()
+{
+    delete grafikWindow_;
+    grafikWindow_ = nullptr;
+    grafik_ = nullptr;
+}
+
 void MainFrame::applyModeControls(bool emc)
 {
     const auto act = [this](const char *name) { return findChild<QAction *>(QLatin1String(name)); };
@@ -437,6 +444,9 @@ void MainFrame::takeFormGeometry(FormGeometry &g)
     if (!grafikWindow_ || !grafikWindow_->isVisible())
         return;
     g.grafikWindowState = grafikWindow_->isMaximized() ? 2 : grafikWindow_->isMinimized() ? 1 : 0;
+    // A minimised or maximised form keeps the place it had last as a normal window.
+    if (g.grafikWindowState != 0)
+        return;
     const QRect r = grafikWindow_->geometry();
     const auto twips = [](int pixels) { return qint16(qBound(0, pixels * kTwipsPerPixel, 32767)); };
     g.grafikLeft = twips(r.x());
@@ -543,13 +553,13 @@ void MainFrame::loadMeasurementClicked()
     request.title = kSelectMeasurement;
     request.filter = QStringLiteral("Measurement (*.MES) |*.MES|EMC (*.emc) |*.emc");
     request.filterIndex = s.emcMode != 0 ? 2 : 1;
-    request.defaultExtension = rememberedExtension_.right(3);
+    rememberedExtension_ = rememberedExtension_.right(3);
+    request.defaultExtension = rememberedExtension_;
     request.flags = kOpenMeasurementFlags;
     const std::optional<QString> chosen = ctx_.prompts.openFileDialog(request);
-    setBusy(ctx_);
     if (chosen) {
+        setBusy(ctx_);
         s.measurementFileName = *chosen;
-        rememberedExtension_ = QFileInfo(*chosen).suffix();
         if (ckrm_->isChecked())
             goLocal(ctx_);
         setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
@@ -569,7 +579,8 @@ void MainFrame::saveMeasurementClicked()
     FileDialogRequest request;
     request.title = kSelectMeasurement;
     request.filter = QStringLiteral("Measurement (*.mes) |*.mes");
-    request.defaultExtension = QStringLiteral("MES");
+    rememberedExtension_ = QStringLiteral("MES");
+    request.defaultExtension = rememberedExtension_;
     request.flags = kSaveMeasurementFlags;
     const std::optional<QString> chosen = ctx_.prompts.saveFileDialog(request);
     if (!chosen)
@@ -586,8 +597,7 @@ void MainFrame::printerSetupClicked() { ctx_.prompts.printerSetup(); }
 
 void MainFrame::databaseSelectionClicked()
 {
-    if (grafikWindow_)
-        grafikWindow_->hide();
+    unloadGrafik();
     selectDatabase(ctx_);
     // The mode flips on every database selection.
     if (ctx_.state.emcMode > 0)

@@ -58,6 +58,7 @@ private:
     void buildMenu();
     void buildTimers();
     void showGrafik();
+    void unloadGrafik();
     void applyModeControls(bool emc);
     QWidget *tool(const char *name) const;
     void remoteClicked(bool checked);
@@ -92,6 +93,7 @@ private:
     QMdiSubWindow *grafikWindow_ = nullptr;
     QPointer<TrForm> tr_;
     QPointer<BoxcomForm> boxcom_;
+    // The default extension the file dialog was last given; it stays with the dialog between uses.
     QString rememberedExtension_ = QStringLiteral("MES");
     bool unloaded_ = false;
 };

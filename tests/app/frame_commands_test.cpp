@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 
@@ -188,9 +189,11 @@ void FrameCommandsTest::databaseSelectionFlipsMode()
     b.start();
     QCOMPARE(b.state().emcMode, quint8(0));
     for (quint8 expected : {1, 0, 1}) {
+        const QPointer<GrafikForm> before = b.frame->grafik();
         b.prompts().answerFile(QStringLiteral("Select Database"), std::nullopt);
         b.trigger("mnuseldata");
         QCOMPARE(b.state().emcMode, expected);
+        QVERIFY(before.isNull()); // unloaded, and loaded anew by the mode entry
         QVERIFY(b.frame->grafik()->isVisibleTo(b.frame.get()));
     }
 }

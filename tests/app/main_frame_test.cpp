@@ -1,10 +1,12 @@
 #include "frame_bench.h"
 
+#include "chart/grafik.h"
 #include "link/discovery.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTimer>
 
@@ -37,6 +39,8 @@ private slots:
     void hiddenSetupAtFifthClick();
     void monitorShowsEachByteAsItComes_data();
     void monitorShowsEachByteAsItComes();
+    void chartGeometryTakenOnlyWhenNormal_data();
+    void chartGeometryTakenOnlyWhenNormal();
 };
 
 void MainFrameTest::remoteBoxConnectsAndGoesLocal_data()
@@ -224,6 +228,36 @@ void MainFrameTest::monitorShowsEachByteAsItComes()
     tr->findChild<QLabel *>("Label5")->installEventFilter(&counter);
     queryUnit(b.ctx(), "#VN");
     QVERIFY2(counter.paints >= 5 + 4, qPrintable(QString::number(counter.paints)));
+}
+
+void MainFrameTest::chartGeometryTakenOnlyWhenNormal_data()
+{
+    QTest::addColumn<bool>("maximised");
+    QTest::newRow("normal window") << false;
+    QTest::newRow("maximised keeps the last place") << true;
+}
+
+void MainFrameTest::chartGeometryTakenOnlyWhenNormal()
+{
+    QFETCH(bool, maximised);
+    FrameBench b;
+    b.start();
+    auto *window = qobject_cast<QMdiSubWindow *>(b.frame->grafik()->parentWidget());
+    QVERIFY(window);
+    window->showNormal();
+    window->setGeometry(20, 10, 700, 560);
+    if (maximised)
+        window->showMaximized();
+    FormGeometry g;
+    g.grafikLeft = 1;
+    g.grafikTop = 2;
+    g.grafikWidth = 3;
+    g.grafikHeight = 4;
+    b.frame->takeFormGeometry(g);
+    QCOMPARE(g.grafikWindowState, qint16(maximised ? 2 : 0));
+    const QList<qint16> place{g.grafikLeft, g.grafikTop, g.grafikWidth, g.grafikHeight};
+    const QList<qint16> expected = maximised ? QList<qint16>{1, 2, 3, 4} : QList<qint16>{300, 150, 10500, 8400};
+    QCOMPARE(place, expected);
 }
 
 QTEST_MAIN(MainFrameTest)
