@@ -5,6 +5,7 @@
 #include "core/context.h"
 #include "link/commands.h"
 #include "signal/level_math.h"
+#include "store/measurement_file.h"
 
 #include <QFile>
 #include <algorithm>
@@ -92,7 +93,14 @@ public:
             ++at_;
         return at_ < count;
     }
-    float frequency() const { return rows_[at_].frequency; }
+    // Whether the row lies beyond the stop frequency; a row without a frequency never does.
+    bool beyond(float stop) const { return rows_[at_].frequency > stop; }
+    // The row's frequency; a NULL keeps the old value.
+    void readFrequency(float &into) const
+    {
+        if (rows_[at_].frequency != kNoFrequency)
+            into = rows_[at_].frequency;
+    }
 
     // The row's levels as counts; a NULL, a missing column or a value out of range keeps the old value.
     void read(Levels &into) const
@@ -112,6 +120,8 @@ public:
 private:
     // Counts are 16 bits; the lowest is kept for "no value" (it lies 13,107 dB down).
     static constexpr qint16 kNoLevel = std::numeric_limits<qint16>::min();
+    // A NULL frequency; it sorts first, as NULLs do in "order by frequency".
+    static constexpr float kNoFrequency = -std::numeric_limits<float>::infinity();
     struct Row {
         float frequency;
         std::array<qint16, SlotCount> levels;
@@ -140,15 +150,15 @@ private:
     Row rowOf(sqlite3_stmt *statement) const
     {
         Row row;
-        row.frequency = sqlite3_column_type(statement, 0) == SQLITE_NULL
-                            ? -std::numeric_limits<float>::infinity()
-                            : float(sqlite3_column_double(statement, 0));
+        row.frequency = sqlite3_column_type(statement, 0) == SQLITE_NULL ? kNoFrequency
+                                                                          : float(sqlite3_column_double(statement, 0));
         for (int slot = 0; slot < SlotCount; ++slot)
             row.levels[slot] = levelAt(statement, field_[slot]);
         return row;
     }
 
     // dB x 2.5, halves to even, as a 16-bit count; kNoLevel for a NULL, text or a value out of range.
+    // The level columns are singles: the value is taken as one before it is multiplied.
     static qint16 levelAt(sqlite3_stmt *statement, int field)
     {
         if (field < 0)
@@ -156,7 +166,7 @@ private:
         const int type = sqlite3_column_type(statement, field);
         if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
             return kNoLevel;
-        const double counts = std::nearbyint(sqlite3_column_double(statement, field) * 2.5);
+        const double counts = std::nearbyint(double(float(sqlite3_column_double(statement, field))) * 2.5);
         if (!(counts > kNoLevel && counts <= std::numeric_limits<qint16>::max()))
             return kNoLevel;
         return qint16(counts);
@@ -234,20 +244,22 @@ void walkStored(StoredRows &rows, bool thin, int thinFactor, float stop, const S
         return;
     rows.read(current);
     Levels previous = current;
-    float f1 = rows.frequency();
-    while (rows.next() && !(rows.frequency() > stop)) {
+    float f1 = 0;
+    rows.readFrequency(f1);
+    float f2 = f1;
+    while (rows.next() && !rows.beyond(stop)) {
         rows.read(current);
-        float f2 = rows.frequency();
+        rows.readFrequency(f2);
         bool beyond = false;
         for (int k = 0; thin && k < thinFactor; ++k) {
             if (!rows.next())
                 break;
-            if (rows.frequency() > stop) {
+            if (rows.beyond(stop)) {
                 beyond = true;
                 break;
             }
             rows.raise(current);
-            f2 = rows.frequency();
+            rows.readFrequency(f2);
         }
         step(f1, previous, f2, current);
         if (beyond)
@@ -531,20 +543,23 @@ void ChartPainter::paintLogGrid()
     const ChartView &v = view();
     const quint32 grid = state().screenColours[GridColour];
     const quint32 decadeColour = state().screenColours[DecadeColour];
-    double d = v.logDecade;
-    int i0 = int(fix(v.logStart / d));
+    // The decade as the exact power of ten that computeLogBounds found, so that a step of the
+    // grid is the same single as the bound it is compared with.
+    int decade = int(std::lround(std::log10(double(v.logDecade))));
+    auto d = [&decade] { return std::pow(10.0, decade); };
+    int i0 = int(v.logStart / v.logDecade);
     drawFrequencyLabel(v.logStart, kLabelColour);
-    double f = v.logStart;
+    float f = v.logStart;
     do {
         for (int i = i0; i <= 9; ++i) {
-            f = d * i;
+            f = float(d() * i);
             if (f < v.logStop)
-                drawSegment(float(f), v.grafikMin, float(f), v.grafikMax, grid);
+                drawSegment(f, v.grafikMin, f, v.grafikMax, grid);
         }
-        d *= 10;
-        if (d < v.logStop) {
-            drawSegment(float(d), v.grafikMin, float(d), v.grafikMax, decadeColour);
-            drawFrequencyLabel(float(d), kLabelColour);
+        ++decade;
+        if (const float next = float(d()); next < v.logStop) {
+            drawSegment(next, v.grafikMin, next, v.grafikMax, decadeColour);
+            drawFrequencyLabel(next, kLabelColour);
         }
         i0 = 2;
     } while (f < v.logStop);
@@ -704,7 +719,7 @@ void ChartPainter::paintStored()
     wanted[AmbientH] = wanted[AmbientH] && emcBars;
     wanted[AmbientV] = wanted[AmbientV] && emcBars;
     wanted[Sample] = wanted[Sample] || emcBars; // the mark of a measured row
-    StoredRows rows(s.measurementFileName.trimmed(), zeroSpan ? 0 : v.paintSelection, wanted);
+    StoredRows rows(measurementFilePath(s), zeroSpan ? 0 : v.paintSelection, wanted);
     const Slots on = visibleSlots(s);
     auto colour = [&s](int slot) { return s.screenColours[kSlotColour[slot]]; };
 

@@ -125,8 +125,8 @@ void TraceDrawingTest::thinning()
     QVERIFY(std::any_of(lines.begin(), lines.end(), [](const QList<double> &l) { return l[3] == -25; }));
 }
 
-// Upper-case names, a column of the selection, NULL and a missing column, halves to even,
-// and the end at the first row beyond the stop frequency.
+// Upper-case names, a column of the selection, NULL and a missing column, halves to even of
+// the single, and the end at the first row beyond the stop frequency.
 void TraceDrawingTest::storedLines()
 {
     ChartFixture f;
@@ -138,7 +138,7 @@ void TraceDrawingTest::storedLines()
     storeRows(f, {"FREQUENCY", "SAMPLE_DBMW", "h_average_DBMW", "Average_dBmW"}, 5,
               [](int i) {
                   const QVariantList values[] = {{100, 1.0, -1.0, -50}, {200, QVariant(), 3.0, -50},
-                                                 {300, -3.0, -3.0, -50}, {400, -5.0, 0.0, -50}, {401, -9, -9, -9}};
+                                                 {300, -3.0, -3.0, -50}, {400, -5.0, 52.2, -50}, {401, -9, -9, -9}};
                   return values[i];
               },
               {"FREQUENCY", "SAMPLE_DBMW", "Average_dBmW", "h_average_DBMW"});
@@ -146,7 +146,7 @@ void TraceDrawingTest::storedLines()
     QCOMPARE(segments(f.picture1, f.colour(SampleColour)),
              (QList<QList<double>>{{250000, 2, 500000, 2}, {500000, 2, 750000, -8}, {750000, -8, 1000000, -12}}));
     QCOMPARE(segments(f.picture1, f.colour(AverageColour)),
-             (QList<QList<double>>{{250000, -2, 500000, 8}, {500000, 8, 750000, -8}, {750000, -8, 1000000, 0}}));
+             (QList<QList<double>>{{250000, -2, 500000, 8}, {500000, 8, 750000, -8}, {750000, -8, 1000000, 131}}));
     QCOMPARE(segments(f.picture1, f.colour(MaxholdColour)),
              (QList<QList<double>>{{250000, 0, 500000, 0}, {500000, 0, 750000, 0}, {750000, 0, 1000000, 0}}));
     QVERIFY(f.controls.caption.startsWith(QStringLiteral("Measure date: ")));
@@ -212,18 +212,19 @@ void TraceDrawingTest::storedZeroSpan()
              (QList<QList<double>>{{0, 0, 250000, -10}, {250000, -10, 500000, -20}, {500000, -20, 750000, -30}}));
 }
 
-// Rows written out of frequency order are still drawn in frequency order.
+// Rows written out of frequency order are still drawn in frequency order; a row without a
+// frequency comes first and keeps the frequency variable at 0.
 void TraceDrawingTest::storedOutOfOrder()
 {
     ChartFixture f;
     f.state().viewAverage = f.state().viewMemoryB = f.state().viewQPeak = 0;
-    storeRows(f, {"Frequency", "Sample_dBmW"}, 3, [](int i) {
-        const double frequency[] = {300, 100, 200};
-        return QVariantList{frequency[i], -frequency[i] / 10};
+    storeRows(f, {"Frequency", "Sample_dBmW"}, 4, [](int i) {
+        const double frequency[] = {300, 100, 200, 0};
+        return i == 3 ? QVariantList{QVariant(), -5} : QVariantList{frequency[i], -frequency[i] / 10};
     });
     f.paint();
     QCOMPARE(segments(f.picture1, f.colour(SampleColour)),
-             (QList<QList<double>>{{100000, -25, 200000, -50}, {200000, -50, 300000, -75}}));
+             (QList<QList<double>>{{0, -12, 100000, -25}, {100000, -25, 200000, -50}, {200000, -50, 300000, -75}}));
 }
 
 void TraceDrawingTest::frameOnly_data()
