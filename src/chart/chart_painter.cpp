@@ -5,6 +5,7 @@
 #include "core/context.h"
 #include "link/commands.h"
 #include "signal/level_math.h"
+#include "chart/zoom_view.h"
 #include "store/measurement_file.h"
 
 #include <QFile>
@@ -269,11 +270,6 @@ void walkStored(StoredRows &rows, bool thin, int thinFactor, float stop, const S
     }
 }
 
-QString textFieldNumber(float value, quint8 decimalChar)
-{
-    return numberPicture(value, 1, 3).replace(QLatin1Char('.'), QChar(decimalChar));
-}
-
 // A single as the system joins it to text: shortest digits, no trailing zeros.
 QString plainNumber(float value, quint8 decimalChar)
 {
@@ -358,8 +354,7 @@ void ChartPainter::paintChart()
         v.startFrequency = realStart;
         v.stopFrequency = realStop;
     }
-    controls_.setZoomControls(v.zoomOn, textFieldNumber(v.zoomStart, state().decimalChar),
-                              textFieldNumber(v.zoomSpan, state().decimalChar));
+    controls_.setZoomControls(v.zoomOn, zoomFieldText(state(), v.zoomStart), zoomFieldText(state(), v.zoomSpan));
     controls_.setKnownBandsCheck(v.showKnownBands != 0);
     clearBusy(ctx_);
 }

@@ -1,5 +1,6 @@
 #include "chart/grafik.h"
 
+#include "chart/zoom_view.h"
 #include "core/context.h"
 
 #include <QCheckBox>
@@ -10,8 +11,11 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace {
 
@@ -174,8 +178,14 @@ QWidget *GrafikForm::buildChartControls()
     check1_ = named(new QCheckBox(QStringLiteral("Log"), box), "Check1");
     check5_ = named(new QCheckBox(QStringLiteral("Known signals"), box), "Check5");
     check6_ = named(new QCheckBox(QStringLiteral("Zoom"), box), "Check6");
+    auto *allPoints = named(new QCheckBox(QStringLiteral("All points"), box), "checkAllPoints");
+    allPoints->setToolTip(QStringLiteral("Draw every stored point, without thinning"));
     text2_ = named(new QLineEdit(box), "Text2");
     text4_ = named(new QLineEdit(box), "Text4");
+    label4_ = label("Label4", QStringLiteral("Start"), box);
+    label7_ = label("Label7", QStringLiteral("Span"), box);
+    zoomLeft_ = named(new QPushButton(QStringLiteral("<"), box), "Command7_0");
+    zoomRight_ = named(new QPushButton(QStringLiteral(">"), box), "Command7_1");
     const char *names[] = {"Command1", "Command2", "Command3"};
     const char *captions[] = {"CA -> PK", "CA = CF", "2 * CF"};
     int row = 0;
@@ -185,20 +195,45 @@ QWidget *GrafikForm::buildChartControls()
     grid->addWidget(label1_, row++, 0, 1, 2);
     grid->addWidget(check1_, row++, 0, 1, 2);
     grid->addWidget(check5_, row++, 0, 1, 2);
+    grid->addWidget(allPoints, row++, 0, 1, 2);
     grid->addWidget(check6_, row++, 0, 1, 2);
-    grid->addWidget(label("Label4", QStringLiteral("Start"), box), row, 0);
+    grid->addWidget(label4_, row, 0);
     grid->addWidget(text2_, row++, 1);
-    grid->addWidget(label("Label7", QStringLiteral("Span"), box), row, 0);
+    grid->addWidget(label7_, row, 0);
     grid->addWidget(text4_, row++, 1);
+    grid->addWidget(zoomLeft_, row, 0);
+    grid->addWidget(zoomRight_, row++, 1);
     for (int i = 0; i < 3; ++i) {
         cursorCommands_[i] = named(new QPushButton(QLatin1String(captions[i]), box), names[i]);
         grid->addWidget(cursorCommands_[i], row++, 0, 1, 2);
     }
-    // The view switches of the chart are wired with the zoom and view commands.
-    for (QWidget *w : {static_cast<QWidget *>(check1_), static_cast<QWidget *>(check5_),
-                       static_cast<QWidget *>(check6_), static_cast<QWidget *>(text2_),
-                       static_cast<QWidget *>(text4_)})
-        w->setEnabled(false);
+    connect(check1_, &QCheckBox::clicked, this, [this](bool on) { logAxisChecked(ctx_, on); });
+    connect(check5_, &QCheckBox::clicked, this, [this](bool on) { knownBandsChecked(ctx_, on); });
+    connect(allPoints, &QCheckBox::clicked, this, [this](bool on) { allPointsChecked(ctx_, on); });
+    connect(check6_, &QCheckBox::clicked, this, [this](bool on) {
+        zoomChecked(ctx_, on);
+        setZoomFieldsEnabled(on);
+        showZoomWindow();
+    });
+    // Enter comes before the end of the edit; leaving the field ends it without Enter.
+    connect(text2_, &QLineEdit::returnPressed, this, [this] { zoomStartByEnter_ = true; });
+    connect(text2_, &QLineEdit::editingFinished, this, [this] {
+        zoomStartEntered(ctx_, text2_->text(), std::exchange(zoomStartByEnter_, false));
+        showZoomWindow();
+    });
+    connect(text4_, &QLineEdit::editingFinished, this, [this] {
+        zoomSpanEntered(ctx_, text4_->text());
+        showZoomWindow();
+    });
+    connect(zoomLeft_, &QPushButton::clicked, this, [this] {
+        zoomMoved(ctx_, 0);
+        showZoomWindow();
+    });
+    connect(zoomRight_, &QPushButton::clicked, this, [this] {
+        zoomMoved(ctx_, 1);
+        showZoomWindow();
+    });
+    setZoomFieldsEnabled(false);
     return box;
 }
 
@@ -214,6 +249,14 @@ QFrame *GrafikForm::buildEmcFrame()
     row->addWidget(label("emcLabel1", QString(), frame));
     row->addWidget(label("emcLabel3", QString(), frame));
     row->addStretch(1);
+    const char *modes[] = {"Hor/L+Ver/N", "Hor/L", "Ver/N"};
+    for (int i = 0; i < 3; ++i) {
+        auto *mode = new QRadioButton(QLatin1String(modes[i]), frame);
+        mode->setObjectName(QStringLiteral("paintmode_%1").arg(i));
+        mode->setChecked(ctx_.state.chart.paintSelection == i);
+        connect(mode, &QRadioButton::clicked, this, [this, i] { paintModeChosen(ctx_, i); });
+        row->addWidget(mode);
+    }
     return frame;
 }
 
@@ -276,6 +319,7 @@ void GrafikForm::setCaption(const QString &text)
 void GrafikForm::setLogAxisCheck(bool enabled, bool ticked)
 {
     GrafikControls::setLogAxisCheck(enabled, ticked);
+    check1_->setEnabled(enabled);
     check1_->setChecked(ticked);
 }
 
@@ -303,8 +347,23 @@ void GrafikForm::setZoomControls(bool ticked, const QString &start, const QStrin
 {
     GrafikControls::setZoomControls(ticked, start, span);
     check6_->setChecked(ticked);
+    setZoomFieldsEnabled(ticked);
     text2_->setText(start);
     text4_->setText(span);
+}
+
+void GrafikForm::setZoomFieldsEnabled(bool on)
+{
+    for (QWidget *w : {static_cast<QWidget *>(zoomLeft_), static_cast<QWidget *>(zoomRight_),
+                       static_cast<QWidget *>(text2_), static_cast<QWidget *>(text4_),
+                       static_cast<QWidget *>(label4_), static_cast<QWidget *>(label7_)})
+        w->setEnabled(on);
+}
+
+void GrafikForm::showZoomWindow()
+{
+    text2_->setText(zoomFieldText(ctx_.state, ctx_.state.chart.zoomStart));
+    text4_->setText(zoomFieldText(ctx_.state, ctx_.state.chart.zoomSpan));
 }
 
 void GrafikForm::setKnownBandsCheck(bool ticked)

@@ -67,6 +67,9 @@ private:
     QFrame *buildEmcFrame();
     QFrame *placeholderPage(const char *frameName, const char *labelName, QWidget **label);
     void showLegendColours();
+    // Command7, Text2, Text4 and their labels follow Check6.
+    void setZoomFieldsEnabled(bool on);
+    void showZoomWindow();
 
     Context &ctx_;
     QTabWidget *grtab_;
@@ -84,6 +87,11 @@ private:
     QCheckBox *check6_ = nullptr;
     QLineEdit *text2_ = nullptr;
     QLineEdit *text4_ = nullptr;
+    QLabel *label4_ = nullptr;
+    QLabel *label7_ = nullptr;
+    QPushButton *zoomLeft_ = nullptr;
+    QPushButton *zoomRight_ = nullptr;
+    bool zoomStartByEnter_ = false;
     std::array<QPushButton *, 3> cursorCommands_{};
     QFrame *frame1_ = nullptr;
     QWidget *fSetunit_ = nullptr;

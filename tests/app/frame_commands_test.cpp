@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -46,6 +47,7 @@ private slots:
     void savedMeasurementLoadsBack();
     void cancelledLoadSaysFileNotFound();
     void eraseClearsTheTraces();
+    void zoomBoxOpensTheZoomWindow();
     void fileThatIsNoMeasurementIsShownEmpty_data();
     void fileThatIsNoMeasurementIsShownEmpty();
 };
@@ -284,6 +286,32 @@ void FrameCommandsTest::eraseClearsTheTraces()
     b.click("Command4");
     QCOMPARE(b.state().chart.grafikMin, qint16(1000));
     QCOMPARE(b.state().chart.grafikMax, qint16(-1000));
+}
+
+void FrameCommandsTest::zoomBoxOpensTheZoomWindow()
+{
+    FrameBench b;
+    b.start();
+    QWidget *grafik = b.frame->grafik();
+    const auto control = [grafik](const char *name) { return grafik->findChild<QWidget *>(QLatin1String(name)); };
+    for (const char *name : {"Text2", "Text4", "Label4", "Label7", "Command7_0", "Command7_1"})
+        QVERIFY2(!control(name)->isEnabled(), name);
+    b.state().repaintRequest = 0;
+    QTest::mouseClick(control("Check6"), Qt::LeftButton, {}, QPoint(6, 10)); // on the box itself
+    QVERIFY(b.state().chart.zoomOn);
+    QCOMPARE(b.state().repaintRequest, quint8(1));
+    for (const char *name : {"Text2", "Text4", "Label4", "Label7", "Command7_0", "Command7_1"})
+        QVERIFY2(control(name)->isEnabled(), name);
+    auto *text2 = static_cast<QLineEdit *>(control("Text2"));
+    text2->setFocus();
+    text2->selectAll();
+    QTest::keyClicks(text2, "400");
+    QTest::keyClick(text2, Qt::Key_Return);
+    QCOMPARE(b.state().chart.zoomStart, 400.f);
+    QCOMPARE(text2->text(), "400.000");
+    b.frame->timer1Tick();
+    QCOMPARE(b.state().chart.startFrequency, 0.f); // the real window comes back after the paint
+    QVERIFY(static_cast<QCheckBox *>(control("Check6"))->isChecked());
 }
 
 void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty_data()
