@@ -50,6 +50,15 @@ QList<LiveTrace> liveTraces(const AppState &s)
 
 int livePointCount(const AppState &s) { return std::min(s.pointCount, kTraceSize - 1); }
 
+// The highest point of the visible traces; `at` is where the chart draws it.
+void notePeak(ChartView &v, qint16 level, float at)
+{
+    if (level > v.peakLevel) {
+        v.peakLevel = level;
+        v.peakFrequency = at;
+    }
+}
+
 } // namespace
 
 void ChartPainter::paintLiveSweep()
@@ -65,10 +74,7 @@ void ChartPainter::paintLiveSweep()
         const float f2 = v.startFrequency + step * (i - 1);
         for (const LiveTrace &trace : traces) {
             drawSegment(f1, trace.levels[i - 1], f2, trace.levels[i], trace.colour);
-            if (trace.levels[i] > v.peakLevel) {
-                v.peakLevel = trace.levels[i];
-                v.peakFrequency = f2;
-            }
+            notePeak(v, trace.levels[i], f2);
         }
     }
 }
@@ -84,10 +90,7 @@ void ChartPainter::paintLiveZeroSpan()
         const double x2 = double(qint64(i - 1) * 1000000) / s.pointCount;
         for (const LiveTrace &trace : traces) {
             picture1_.line(x1, trace.levels[i - 1], x2, trace.levels[i], trace.colour);
-            if (trace.levels[i] > v.peakLevel) {
-                v.peakLevel = trace.levels[i];
-                v.peakFrequency = float(x2); // in zero span the peak is an x position
-            }
+            notePeak(v, trace.levels[i], float(x2)); // in zero span the peak is an x position
         }
     }
 }

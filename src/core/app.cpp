@@ -29,11 +29,6 @@ void setDefaults(Context &ctx)
     ctx.frame().setCaption(offlineCaption());
 }
 
-void enterStoredMode(Context &ctx)
-{
-    call(ctx.state.emcMode > 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode);
-}
-
 } // namespace
 
 void loadMainFrame(Context &ctx)

@@ -72,6 +72,12 @@ inline void call(const std::function<void()> &hook)
         hook();
 }
 
+// Enters the mode that `emcMode` holds: EMC mode for any value but 0.
+inline void enterStoredMode(Context &ctx)
+{
+    call(ctx.state.emcMode != 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode);
+}
+
 // Hourglass pointer and the flag `busy`.
 void setBusy(Context &ctx);
 void clearBusy(Context &ctx);

@@ -160,33 +160,29 @@ void MainFrame::buildToolBar()
 
 void MainFrame::buildMenu()
 {
-    const auto menu = [](QMenu *parent, const char *name, const QString &caption) {
+    // Menus carry their name on the menu and on the action that opens it.
+    const auto menu = [](auto *parent, const char *name, const QString &caption) {
         QMenu *m = parent->addMenu(caption);
         m->setObjectName(QLatin1String(name));
         m->menuAction()->setObjectName(QLatin1String(name));
         return m;
     };
-    const auto top = [this](const char *name, const QString &caption) {
-        QMenu *m = menuBar()->addMenu(caption);
-        m->setObjectName(QLatin1String(name));
-        m->menuAction()->setObjectName(QLatin1String(name));
-        return m;
-    };
-    const auto item = [this](QMenu *parent, const char *name, const QString &caption, auto slot) {
+    const auto named = [](QMenu *parent, const char *name, const QString &caption) {
         QAction *action = parent->addAction(caption);
         action->setObjectName(QLatin1String(name));
+        return action;
+    };
+    const auto item = [this, named](QMenu *parent, const char *name, const QString &caption, auto slot) {
+        QAction *action = named(parent, name, caption);
         connect(action, &QAction::triggered, this, slot);
         return action;
     };
     // Items whose forms are not part of the program yet stand in the menu, disabled.
-    const auto later = [](QMenu *parent, const char *name, const QString &caption) {
-        QAction *action = parent->addAction(caption);
-        action->setObjectName(QLatin1String(name));
-        action->setEnabled(false);
-        return action;
+    const auto later = [named](QMenu *parent, const char *name, const QString &caption) {
+        named(parent, name, caption)->setEnabled(false);
     };
 
-    QMenu *data = top("mnuKonfiguration", QStringLiteral("&Data"));
+    QMenu *data = menu(menuBar(), "mnuKonfiguration", QStringLiteral("&Data"));
     QMenu *load = menu(data, "mnuload", QStringLiteral("&Load"));
     later(load, "mnulsettings", QStringLiteral("&Settings"));
     item(load, "mnulmeasure", QStringLiteral("&Measurements"), &MainFrame::loadMeasurementClicked);
@@ -198,18 +194,17 @@ void MainFrame::buildMenu()
     item(data, "mnuseldata", QStringLiteral("D&atabase selection"), &MainFrame::databaseSelectionClicked);
     item(data, "mnuBeenden", QStringLiteral("E&xit"), &MainFrame::exitClicked);
 
-    QMenu *settings = top("settings", QStringLiteral("&Settings"));
+    QMenu *settings = menu(menuBar(), "settings", QStringLiteral("&Settings"));
     item(settings, "mnuconf", QStringLiteral("&Configuration"), &MainFrame::configurationClicked);
     later(settings, "mnucolor", QStringLiteral("Color &definition"));
     // The level meter's window comes with the colour forms; until then the item only keeps its check.
-    settings->addAction(QStringLiteral("&View Levelmeter"))->setObjectName(QStringLiteral("mnulevelmeter"));
-    findChild<QAction *>(QStringLiteral("mnulevelmeter"))->setCheckable(true);
+    named(settings, "mnulevelmeter", QStringLiteral("&View Levelmeter"))->setCheckable(true);
     QMenu *mode = menu(settings, "mnumode", QStringLiteral("&Mode"));
     item(mode, "mnunormal", QStringLiteral("&Normal"), &MainFrame::normalModeClicked)->setCheckable(true);
     item(mode, "mnuemc", QStringLiteral("&EMC"), &MainFrame::emcModeClicked)->setCheckable(true);
     later(settings, "mnuautostore", QStringLiteral("&Autostore"));
 
-    QMenu *help = top("mnuhlp", QStringLiteral("&Help"));
+    QMenu *help = menu(menuBar(), "mnuhlp", QStringLiteral("&Help"));
     QMenu *manuals = menu(help, "mnuhelp", QStringLiteral("&Help"));
     item(manuals, "mnuhlp_deu", QStringLiteral("&Handbuch (Deutsch - PDF)"),
          [this] { manualClicked(QStringLiteral("delfor_d.pdf")); });
@@ -321,16 +316,19 @@ void MainFrame::unloadGrafik()
 
 void MainFrame::applyModeControls(bool emc)
 {
-    const auto act = [this](const char *name) { return findChild<QAction *>(QLatin1String(name)); };
-    act("mnunormal")->setChecked(!emc);
-    act("mnuemc")->setChecked(emc);
+    action("mnunormal")->setChecked(!emc);
+    action("mnuemc")->setChecked(emc);
     tool("Command6")->setEnabled(!emc);
     mnusave_->menuAction()->setEnabled(!emc);
-    act("mnulsettings")->setEnabled(false); // the settings forms are not part of the program yet
     for (const char *name : {"ckauto", "Command2", "Command3", "Command4"})
         tool(name)->setEnabled(!emc);
-    act("mnulevelmeter")->setEnabled(emc);
+    action("mnulevelmeter")->setEnabled(emc);
     grafik_->applyMode(emc);
+}
+
+QAction *MainFrame::action(const char *name) const
+{
+    return findChild<QAction *>(QLatin1String(name));
 }
 
 QWidget *MainFrame::tool(const char *name) const
@@ -352,7 +350,7 @@ void MainFrame::enterNormalMode()
     call(ctx_.calls.refreshUnits);
     call(ctx_.calls.refreshLimits);
     s.emcRunActive = 0;
-    findChild<QAction *>(QStringLiteral("mnulevelmeter"))->setChecked(false);
+    action("mnulevelmeter")->setChecked(false);
     s.chart.zoomOn = false;
     paintChart();
 }
@@ -529,7 +527,7 @@ void MainFrame::refreshChartClicked()
         return;
     }
     readClicked();
-    findChild<QAction *>(QStringLiteral("mnusmeasurement"))->setEnabled(true);
+    action("mnusmeasurement")->setEnabled(true);
 }
 
 void MainFrame::toolboxClicked()
@@ -564,7 +562,7 @@ void MainFrame::loadMeasurementClicked()
             goLocal(ctx_);
         setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
         readMeasurementFile(ctx_);
-        findChild<QAction *>(QStringLiteral("mnusmeasurement"))->setEnabled(false);
+        action("mnusmeasurement")->setEnabled(false);
         s.repaintRequest = 1;
     } else {
         // A cancel gets the same words as a file that is not there.
@@ -625,7 +623,7 @@ void MainFrame::configurationClicked()
 
 void MainFrame::normalModeClicked()
 {
-    findChild<QAction *>(QStringLiteral("mnunormal"))->setChecked(ctx_.state.emcMode == 0);
+    action("mnunormal")->setChecked(ctx_.state.emcMode == 0);
     if (ctx_.state.emcMode == 0)
         return;
     // Loading the settings first is offered; the settings forms are not part of the program
@@ -637,7 +635,7 @@ void MainFrame::normalModeClicked()
 
 void MainFrame::emcModeClicked()
 {
-    findChild<QAction *>(QStringLiteral("mnuemc"))->setChecked(ctx_.state.emcMode != 0);
+    action("mnuemc")->setChecked(ctx_.state.emcMode != 0);
     if (ctx_.state.emcMode != 0)
         return;
     ctx_.prompts.messageBox(QStringLiteral("Select EMC-Mode"), QStringLiteral("Do you want to save the settings"),

@@ -60,6 +60,7 @@ private:
     void showGrafik();
     void unloadGrafik();
     void applyModeControls(bool emc);
+    QAction *action(const char *name) const; // a menu item
     QWidget *tool(const char *name) const;
     void remoteClicked(bool checked);
     void autoClicked(bool checked);

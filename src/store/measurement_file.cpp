@@ -258,13 +258,6 @@ int versionBit(const QVariant &vernr)
     return 0;
 }
 
-void enterMode(Context &ctx)
-{
-    const auto &enter = ctx.state.emcMode != 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode;
-    if (enter)
-        enter();
-}
-
 // The settings row of a file of a known version. `mode` comes first, because entering the
 // mode resets the panels that the other columns then fill.
 void readSettingsRow(Context &ctx, const DataView &settings, int version)
@@ -272,7 +265,7 @@ void readSettingsRow(Context &ctx, const DataView &settings, int version)
     AppState &s = ctx.state;
     AnalyserSettings &a = s.analyser;
     take(settings.value("mode"), s.emcMode);
-    enterMode(ctx);
+    enterStoredMode(ctx);
     const auto read = [&](const char *column, auto &field, int versions) {
         if (versions & version)
             take(settings.value(column), field);
