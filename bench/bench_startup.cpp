@@ -2,8 +2,8 @@
 // database, the port, the mode with its first paint) and the event queue drained.
 // Target: below 0.5 s. The first start, which also writes the databases, is reported apart.
 
-#include "core/app.h"
-#include "core/main_frame.h"
+#include "forms/app.h"
+#include "forms/main_frame.h"
 #include "core/settings_file.h"
 #include "signal/trace_store.h"
 #include "store/database.h"

@@ -1,8 +1,8 @@
 // delfor [--simulate[=MODEL]]: the program on its configured port, or with --simulate on the
 // built-in analyser simulator (MODEL K310-A, K320-A or K550-B; K320-A when not given).
 
-#include "core/app.h"
-#include "core/main_frame.h"
+#include "forms/app.h"
+#include "forms/main_frame.h"
 #include "link/discovery.h"
 
 #include <QApplication>

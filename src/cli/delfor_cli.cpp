@@ -6,6 +6,7 @@
 #include "link/qt_serial_port.h"
 #include "link/serial_link.h"
 #include "link/commands.h"
+#include "output/logic_wiring.h"
 #include "signal/trace_store.h"
 #include "sim/simulated_port.h"
 #include "store/measurement_file.h"
@@ -117,7 +118,7 @@ std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
         platform.clock = std::make_unique<SystemClock>();
     }
     auto ctx = std::make_unique<Context>(std::move(platform));
-    attachSignalProcessing(*ctx);
+    attachLogic(*ctx);
     ctx->state.comPort = o.simulatedModel ? 0 : 1;
     ctx->state.baudRate = o.baud;
     ctx->state.serialTimeoutSeconds = quint8(o.timeout);

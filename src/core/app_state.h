@@ -160,6 +160,19 @@ struct AppState {
     qint16 averageLimitLog = 0, maxholdLimitLog = 0; // -1: logarithmic interpolation
     float averageLimitDistance = 0.0f; // metres
 
+    // Equipment editors: the bounds of the limit and loss/gain previews, the unit offset of the
+    // limit in the editor (truncated), the sign of the component kind (1 antenna and loss, -1 gain),
+    // and the destinations last shown in the dialogs newlim, newlos and newconf.
+    qint16 limitUnitOffset = 0;
+    float limitPreviewMinLevel = 0.0f, limitPreviewMaxLevel = 0.0f;
+    float limitPreviewMinFrequency = 0.0f, limitPreviewMaxFrequency = 0.0f;
+    QString limitSelectionName;
+    float lossGainPreviewMinLevel = 0.0f, lossGainPreviewMaxLevel = 0.0f;
+    float lossGainPreviewMinFrequency = 0.0f, lossGainPreviewMaxFrequency = 0.0f;
+    qint16 lossGainSign = 1;
+    QString lossGainSelectionName;
+    QString configSelectionName;
+
     // Correction chain: up to five components of the workplace configuration, and the distance term.
     std::array<qint32, kChainSlots> componentNumber{}; // losnr per slot; a slot is used from 1 up
     std::array<QList<ComponentRow>, kChainSlots> componentRows; // each slot's rows in frequency order

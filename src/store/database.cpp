@@ -1,6 +1,7 @@
 #include "store/database.h"
 
 #include "core/context.h"
+#include "store/catalogue_views.h"
 #include "store/schema.h"
 #include "store/sqlite_file.h"
 
@@ -176,8 +177,7 @@ void selectDatabase(Context &ctx)
     clearBusy(ctx);
 }
 
-void bindDataViews(Context &)
+void bindDataViews(Context &ctx)
 {
-    // The chart's data views read workingDatabase() when they refresh; until they exist there
-    // is nothing to rebind.
+    rebindCatalogueViews(ctx);
 }

@@ -1,8 +1,9 @@
 #pragma once
 // The main frame on a simulated analyser: virtual time, scripted prompts, a temporary data folder.
 
-#include "core/app.h"
-#include "core/main_frame.h"
+#include "forms/app.h"
+#include "forms/main_frame.h"
+#include "output/logic_wiring.h"
 #include "signal/trace_store.h"
 #include "support/sim_bench.h"
 
@@ -16,7 +17,7 @@ struct FrameBench {
     {
         ctx().dataFolder = folder.path() + QStringLiteral("/delfor");
         Context &c = ctx();
-        attachSignalProcessing(c);
+        attachLogic(c);
         frame = std::make_unique<MainFrame>(c);
         frame->show();
         if (!QTest::qWaitForWindowExposed(frame.get()))

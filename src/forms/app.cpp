@@ -1,15 +1,13 @@
-#include "core/app.h"
+#include "forms/app.h"
 
 #include "core/clock.h"
-#include "core/prompts_form.h"
+#include "forms/qt_prompts.h"
 #include "core/settings_file.h"
 #include "link/port_selector.h"
 #include "link/qt_serial_port.h"
 #include "link/serial_link.h"
-#include "signal/trace_store.h"
 #include "sim/simulated_port.h"
-#include "store/database.h"
-#include "store/loss_gain.h"
+#include "output/logic_wiring.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -80,8 +78,6 @@ std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
     program->ctx = std::make_unique<Context>(
         Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
     program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    attachSignalProcessing(*program->ctx);
-    attachStore(*program->ctx);
-    program->ctx->calls.openWorkingDatabase = [ctx = program->ctx.get()] { openWorkingDatabase(*ctx); };
+    attachLogic(*program->ctx);
     return program;
 }

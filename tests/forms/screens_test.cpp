@@ -4,7 +4,7 @@
 
 #include "frame_bench.h"
 
-#include "chart/grafik.h"
+#include "forms/grafik.h"
 #include "chart/image_canvas.h"
 #include "store/measurement_file.h"
 

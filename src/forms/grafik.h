@@ -11,6 +11,8 @@
 #include <array>
 
 class Context;
+class GrafikEquipment;
+class GrafikPanel;
 class QCheckBox;
 class QFrame;
 class QLabel;
@@ -46,6 +48,8 @@ public:
     void paintChart();
     int paintCount() const { return paintCount_; }
     ChartPainter &painter() { return painter_; }
+    GrafikEquipment *equipment() const { return equipment_; }
+    GrafikPanel *panel() const { return panel_; }
 
     // The controls that differ between normal and EMC mode; the measurement tab comes to the front.
     void applyMode(bool emc);
@@ -65,7 +69,10 @@ private:
     QWidget *buildLegend();
     QWidget *buildChartControls();
     QFrame *buildEmcFrame();
-    QFrame *placeholderPage(const char *frameName, const char *labelName, QWidget **label);
+    QFrame *placeholderPage(const char *frameName, const char *labelName, QWidget **label,
+                            QWidget *content = nullptr);
+    // The views that a tab reads are refreshed when it comes to the front.
+    void tabChanged(int index);
     void showLegendColours();
     // Command7, Text2, Text4 and their labels follow Check6.
     void setZoomFieldsEnabled(bool on);
@@ -94,6 +101,8 @@ private:
     bool zoomStartByEnter_ = false;
     std::array<QPushButton *, 3> cursorCommands_{};
     QFrame *frame1_ = nullptr;
+    GrafikPanel *panel_ = nullptr;
+    GrafikEquipment *equipment_ = nullptr;
     QWidget *fSetunit_ = nullptr;
     QWidget *fTest_ = nullptr;
     QWidget *lNotValid2_ = nullptr;

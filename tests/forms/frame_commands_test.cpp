@@ -2,7 +2,7 @@
 
 #include "frame_bench.h"
 
-#include "chart/grafik.h"
+#include "forms/grafik.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "link/tr_form.h"
+#include "forms/tr.h"
 
 #include <QGridLayout>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "link/boxcom_form.h"
+#include "forms/boxcom.h"
 
 #include "link/discovery.h"
 #include "link/port_selector.h"

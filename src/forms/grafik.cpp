@@ -1,6 +1,9 @@
-#include "chart/grafik.h"
+#include "forms/grafik.h"
 
 #include "chart/zoom_view.h"
+#include "forms/grafik_equipment.h"
+#include "forms/grafik_panel.h"
+#include "store/catalogue_views.h"
 #include "core/context.h"
 
 #include <QCheckBox>
@@ -125,11 +128,14 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     grtab_->addTab(buildMeasurementTab(), QStringLiteral("Measurement"));
-    grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_), QStringLiteral("Settings"));
+    panel_ = new GrafikPanel(ctx);
+    equipment_ = new GrafikEquipment(ctx);
+    grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_, panel_), QStringLiteral("Settings"));
     grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_), QStringLiteral("EMC Test"));
-    grtab_->addTab(named(new QFrame, "fEquip"), QStringLiteral("Equipment"));
+    grtab_->addTab(equipment_, QStringLiteral("Equipment"));
     fSetunit_ = grtab_->widget(1)->findChild<QWidget *>(QStringLiteral("fSetunit"));
     fTest_ = grtab_->widget(2)->findChild<QWidget *>(QStringLiteral("fTest"));
+    connect(grtab_, &QTabWidget::currentChanged, this, [this](int index) { tabChanged(index); });
     layout->addWidget(grtab_, 1);
     frame1_ = buildEmcFrame();
     layout->addWidget(frame1_);
@@ -260,14 +266,38 @@ QFrame *GrafikForm::buildEmcFrame()
     return frame;
 }
 
-QFrame *GrafikForm::placeholderPage(const char *frameName, const char *labelName, QWidget **notValid)
+QFrame *GrafikForm::placeholderPage(const char *frameName, const char *labelName, QWidget **notValid,
+                                    QWidget *content)
 {
     auto *page = new QFrame;
     auto *layout = new QVBoxLayout(page);
     *notValid = label(labelName, QStringLiteral("Not valid in this mode"), page);
     layout->addWidget(*notValid);
-    layout->addWidget(named(new QFrame(page), frameName), 1);
+    auto *frame = named(new QFrame(page), frameName);
+    if (content) {
+        auto *inner = new QVBoxLayout(frame);
+        inner->setContentsMargins(0, 0, 0, 0);
+        inner->addWidget(content);
+    }
+    layout->addWidget(frame, 1);
     return page;
+}
+
+void GrafikForm::tabChanged(int index)
+{
+    CatalogueViews &views = catalogueViews(ctx_);
+    if (index == 0) {
+        for (DataView *view : {&views.LGData1, &views.lgData2, &views.LGData1, &views.limData1, &views.limData2,
+                               &views.limData3, &views.conData1, &views.conData2, &views.conData3, &views.known})
+            view->refresh();
+        ctx_.state.repaintRequest = 1;
+    } else if (index == 1 && ctx_.state.emcMode == 0) {
+        for (DataView *view : {&views.detecData1, &views.detecData2, &views.measData2})
+            view->refresh();
+        panel_->reload();
+    } else if (index == 3) {
+        equipment_->reloadEditors();
+    }
 }
 
 void GrafikForm::showLegendColours()

@@ -1,4 +1,4 @@
-#include "core/prompts_form.h"
+#include "forms/qt_prompts.h"
 
 #include <QTest>
 

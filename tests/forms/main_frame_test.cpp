@@ -1,6 +1,6 @@
 #include "frame_bench.h"
 
-#include "chart/grafik.h"
+#include "forms/grafik.h"
 #include "link/discovery.h"
 
 #include <QApplication>

@@ -1,0 +1,13 @@
+#include "output/logic_wiring.h"
+
+#include "core/context.h"
+#include "signal/trace_store.h"
+#include "store/database.h"
+#include "store/loss_gain.h"
+
+void attachLogic(Context &ctx)
+{
+    attachSignalProcessing(ctx);
+    attachStore(ctx);
+    ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
+}
