@@ -199,7 +199,7 @@ CsvOutcome importPoints(QSqlDatabase db, const Catalogue &c, const QString &name
         return {false, QStringLiteral("a %1 name has 1 to %2 characters").arg(c.noun).arg(kNameWidth)};
     std::optional<qint32> nr = headNumber(db, c, name);
     if (nr && !replace)
-        return {false, QStringLiteral("%1 %2 exists").arg(c.noun, name)};
+        return {false, QStringLiteral("%1 %2 exists").arg(c.noun, name), true};
     if (nr && *nr == 0)
         return {false, QStringLiteral("%1 %2 is a fixed entry").arg(c.noun, name)};
     if (!db.transaction())
