@@ -191,12 +191,13 @@ void ChartOverlays::drawLimitPart(double p, double y1, double q, double y2, bool
         const double share = logInterpolation ? (logTenOf(f) - logP) / (logQ - logP) : (f - p) / (q - p);
         return (y2 - y1) * share + y1;
     };
-    // Counted, so that rounding in the steps neither drops the last piece nor adds one.
+    // Counted, so that rounding in the steps neither drops the last piece nor adds one; the last
+    // ends on q itself.
     const double w = (q - p) / kLimitPieces;
-    for (int k = 0; k < kLimitPieces; ++k) {
-        const double f = p + w * k;
-        painter_.drawSegment(float(f), fix(level(f) * 2.5), float(f + w), fix(level(f + w) * 2.5), colour);
-    }
+    auto at = [&](int k) { return k == kLimitPieces ? q : p + w * k; };
+    for (int k = 0; k < kLimitPieces; ++k)
+        painter_.drawSegment(float(at(k)), fix(level(at(k)) * 2.5), float(at(k + 1)), fix(level(at(k + 1)) * 2.5),
+                             colour);
 }
 
 // Zero span: the limit's level at the one frequency, across the whole plot.
