@@ -113,9 +113,9 @@ bool ChartOverlays::paintLimitLines()
             continue;
         const QList<Point> points = limitPoints(limit.line);
         const quint32 colour = s.screenColours[limit.colour];
-        if (!points.isEmpty() && sweep)
+        if (sweep)
             walkLimit(points, limit.logInterpolation, colour);
-        else if (!points.isEmpty())
+        else
             paintLevelLine(points, colour);
         if (widenLevelWindow())
             return true;
@@ -155,6 +155,8 @@ QList<ChartOverlays::Point> ChartOverlays::limitPoints(Line line) const
 // Each segment of the line, cut to the window; levels in dB, drawn as counts.
 void ChartOverlays::walkLimit(const QList<Point> &points, bool logInterpolation, quint32 colour)
 {
+    if (points.isEmpty())
+        return;
     const ChartView &v = ctx_.state.chart;
     const double start = v.startFrequency, stop = v.stopFrequency;
     double f1 = points[0].frequency, y1 = points[0].level;
