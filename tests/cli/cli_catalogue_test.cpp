@@ -78,10 +78,6 @@ private slots:
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QString>("message");
         const QStringList limitImport{"limits", "import", "New"};
-        QTest::newRow("unknown unit") << limitImport << QByteArray("Frequency_MHz,dBfoo\n30,40\n40,40\n")
-                                      << "line 1: unknown unit dBfoo";
-        QTest::newRow("not a number") << limitImport << QByteArray("Frequency_MHz,dBuV/m\n30,40\n40,x\n")
-                                      << "line 3: 'x' is not a number";
         QTest::newRow("frequency twice") << QStringList{"components", "import", "New", "--kind", "loss"}
                                          << QByteArray("Frequency_MHz;dB\n30;1\n30,0;2\n") << "line 3: frequency 30.0";
         QTest::newRow("one point") << limitImport << QByteArray("Frequency_MHz,dBuV/m\n30,40\n")

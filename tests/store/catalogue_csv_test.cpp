@@ -121,8 +121,6 @@ private slots:
             << QByteArray("Frequency_MHz,dBuV/m\n0.009,1.1\n2999.999,43.52\n") << float(1.1 - 107);
         const QByteArray gain = "Frequency_MHz,dB\n0.009,20.5\n1000,18.25\n";
         QTest::newRow("gain") << "gain" << gain << gain << -20.5f;
-        QTest::newRow("antenna") << "antenna" << QByteArray("Frequency_MHz,dB\n30,18.1\n1000,26.3\n")
-                                 << QByteArray("Frequency_MHz,dB\n30,18.1\n1000,26.3\n") << 18.1f;
     }
     void importThenExport()
     {
