@@ -375,12 +375,22 @@ struct OpenedFile {
     QVariant lastFrequency;
 };
 
-// The tables of a measurement file as tables: a view in their place could run for ever.
-QString missingTable(QSqlDatabase db, QString &error)
+// Why a file is refused when SQLite failed on it: damage, or something that is no database.
+QString refusalOf(const QString &path, const QSqlError &error)
+{
+    constexpr int kCorrupt = 11; // SQLITE_CORRUPT, also the base of its extended codes
+    const bool damaged = error.nativeErrorCode().toInt() % 256 == kCorrupt;
+    return path + (damaged ? QStringLiteral(" is damaged: ") : QStringLiteral(" is no measurement file: "))
+           + error.databaseText();
+}
+
+// The first table of a measurement file that the file lacks as a table (a view in its place could
+// run for ever); empty when all are there. `refusal` is set when SQLite cannot read the file.
+QString missingTable(QSqlDatabase db, const QString &path, QString &refusal)
 {
     QSqlQuery query(db);
     if (!query.exec(QStringLiteral("select name from sqlite_master where type = 'table'"))) {
-        error = query.lastError().databaseText();
+        refusal = refusalOf(path, query.lastError());
         return {};
     }
     QSet<QString> tables;
@@ -410,13 +420,11 @@ OpenedFile openForReading(const QString &path, QString &fault)
         return {};
     }
     auto file = std::make_unique<SqliteFile>(path);
-    QString error;
-    const QString missing = missingTable(file->handle(), error);
-    if (!error.isEmpty() || !missing.isEmpty()) {
-        fault = path + QStringLiteral(" is no measurement file: ")
-                + (error.isEmpty() ? QStringLiteral("it has no table ") + missing : error);
+    const QString missing = missingTable(file->handle(), path, fault);
+    if (!missing.isEmpty())
+        fault = path + QStringLiteral(" is no measurement file: it has no table ") + missing;
+    if (!fault.isEmpty())
         return {};
-    }
     QSqlQuery rows(file->handle());
     rows.setForwardOnly(true);
     // The first of the rows in frequency order has no frequency when any row has none (nulls sort first).
@@ -424,7 +432,7 @@ OpenedFile openForReading(const QString &path, QString &fault)
                                   "(select count(*) from limitlines), (select count(*) from settings) "
                                   "from measurement"))
         || !rows.next()) {
-        fault = path + QStringLiteral(" is damaged: ") + rows.lastError().databaseText();
+        fault = refusalOf(path, rows.lastError());
         return {};
     }
     opened.rowCount = rows.value(0).toInt();
