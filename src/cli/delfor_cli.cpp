@@ -225,9 +225,10 @@ QString valueText(const QVariant &value)
 
 int info(const QString &path)
 {
-    const auto summary = describeMeasurementFile(path);
+    QString fault;
+    const auto summary = describeMeasurementFile(path, &fault);
     if (!summary)
-        return fail(path + " is no measurement file");
+        return fail(fault);
     QByteArray out;
     for (const auto &[column, value] : summary->settings)
         out += (column + ": " + valueText(value) + '\n').toUtf8();
