@@ -255,7 +255,8 @@ int main(int argc, char **argv)
     const auto options = parseOptions(app.arguments(), error);
     if (!options) {
         std::fputs(kUsage, stderr);
-        return fail(error);
+        fail(error);
+        return 2; // bad arguments
     }
     if (options->command == "info")
         return info(options->file);

@@ -58,7 +58,7 @@ void CliIdentifyTest::refusesBadArguments()
     QFETCH(QStringList, args);
     QFETCH(QString, message);
     const CliRun r = cli(args);
-    QCOMPARE(r.exitCode, 1);
+    QCOMPARE(r.exitCode, 2);
     QVERIFY2(r.err.contains(message), qPrintable(r.err));
     QVERIFY(r.err.contains("usage: delfor-cli identify"));
     QCOMPARE(r.out, QString());
