@@ -4,6 +4,7 @@
 #include "core/app_state.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
 #include <algorithm>
@@ -153,6 +154,9 @@ private:
     static Connection openCopy(const QString &path)
     {
         constexpr qint64 kLargestCopy = 256 * 1024 * 1024;
+        // The file may have been swapped since it was loaded: a pipe or a device would block.
+        if (!QFileInfo(path).isFile())
+            return {};
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly))
             return {};
@@ -177,7 +181,14 @@ private:
     {
         QStringList names;
         sqlite3_stmt *statement = nullptr;
-        if (db && sqlite3_prepare_v2(db, "pragma table_info(measurement)", -1, &statement, nullptr) == SQLITE_OK)
+        // Only a table is read: a view in its place (even one that recurses) gives no columns.
+        bool isTable = false;
+        if (db && sqlite3_prepare_v2(db, "select 1 from sqlite_master where type = 'table' and name like 'measurement'",
+                                     -1, &statement, nullptr) == SQLITE_OK)
+            isTable = sqlite3_step(statement) == SQLITE_ROW;
+        sqlite3_finalize(statement);
+        statement = nullptr;
+        if (isTable && sqlite3_prepare_v2(db, "pragma table_info(measurement)", -1, &statement, nullptr) == SQLITE_OK)
             while (sqlite3_step(statement) == SQLITE_ROW)
                 names << QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(statement, 1)));
         sqlite3_finalize(statement);

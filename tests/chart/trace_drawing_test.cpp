@@ -1,7 +1,12 @@
 #include "chart_fixture.h"
 #include "support/measurement_fixture.h"
 
+#include "store/sqlite_file.h"
+
+#include <QSqlQuery>
 #include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -229,9 +234,12 @@ void TraceDrawingTest::storedOutOfOrder()
 
 void TraceDrawingTest::frameOnly_data()
 {
-    QTest::addColumn<bool>("fileExists");
-    QTest::newRow("empty table") << true;
-    QTest::newRow("no file") << false;
+    // What the file on display has become since it was loaded: the paint neither blocks nor spins.
+    QTest::addColumn<QString>("file");
+    QTest::newRow("empty table") << "empty";
+    QTest::newRow("no file") << "missing";
+    QTest::newRow("named pipe") << "pipe";
+    QTest::newRow("recursive view") << "view";
 }
 
 void TraceDrawingTest::frameOnly()
@@ -239,8 +247,18 @@ void TraceDrawingTest::frameOnly()
     ChartFixture f;
     f.state().viewMaxhold = 1;
     storeRows(f, {"Frequency"}, 0, [](int) { return QVariantList{}; });
-    if (!fetched<bool>("fileExists"))
+    const QString file = fetched<QString>("file");
+    const QString path = f.state().measurementFileName;
+    if (file == "missing")
         f.state().measurementFileName = dir_.filePath(QStringLiteral("missing.mes"));
+    if (file == "pipe")
+        QVERIFY(QFile::remove(path) && mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
+    if (file == "view") {
+        SqliteFile db(path);
+        QSqlQuery q(db.handle());
+        QVERIFY(q.exec("drop table Measurement") && q.exec("create view loop as select * from Measurement")
+                && q.exec("create view Measurement as select * from loop"));
+    }
     f.paint();
     for (ColourRole role : {SampleColour, AverageColour, MaxholdColour, QPeakColour, MemoryColour})
         QVERIFY(f.picture1.lines(f.colour(role)).isEmpty());
