@@ -75,7 +75,7 @@ void PreviewPicture::resizeEvent(QResizeEvent *)
 }
 
 CurvePage::CurvePage(Context &ctx, const QString &prefix, DataView &heads, const char *nameColumn, QWidget *parent)
-    : QWidget(parent), ctx_(ctx), heads_(heads), nameColumn_(QLatin1String(nameColumn))
+    : QWidget(parent), ctx_(ctx), prefix_(prefix), heads_(heads), nameColumn_(QLatin1String(nameColumn))
 {
     buildControls(prefix);
 }
@@ -159,6 +159,59 @@ QPushButton *CurvePage::addButton(const char *name, const QString &caption)
     const int n = buttons_->count();
     buttons_->addWidget(button, n / 2, n % 2);
     return button;
+}
+
+void CurvePage::addCommonButtons()
+{
+    connect(addButton(qPrintable(prefix_ + QStringLiteral("Import")), QStringLiteral("Import CSV...")),
+            &QPushButton::clicked, this, &CurvePage::importClicked);
+    connect(addButton(qPrintable(prefix_ + QStringLiteral("Export")), QStringLiteral("Export CSV...")),
+            &QPushButton::clicked, this, &CurvePage::exportClicked);
+}
+
+namespace {
+
+FileDialogRequest csvDialog(const QString &title, const QString &fileName, int flags)
+{
+    return {title, QStringLiteral("CSV (*.csv) |*.csv"), QStringLiteral("csv"), fileName, flags, 1};
+}
+
+const QString kImportTitle = QStringLiteral("Import CSV");
+const QString kExportTitle = QStringLiteral("Export CSV");
+
+} // namespace
+
+void CurvePage::importClicked()
+{
+    if (!heads_.hasCurrent())
+        return;
+    const QString name = heads_.value(nameColumn_).toString();
+    // Path and file must exist, no read-only box.
+    const auto path = ctx_.prompts.openFileDialog(csvDialog(kImportTitle, QStringLiteral("*.csv"), 6148));
+    if (!path)
+        return;
+    if (ctx_.prompts.messageBox(kImportTitle,
+                                QStringLiteral("Replace the points of ( %1 ) with those of %2 ?").arg(name, *path),
+                                MsgButtons::YesNo) != MsgAnswer::Yes)
+        return;
+    const CsvOutcome outcome = importCsv(name, *path);
+    if (!outcome.ok)
+        ctx_.prompts.messageBox(kImportTitle, outcome.message);
+    showDefinition(name);
+}
+
+void CurvePage::exportClicked()
+{
+    if (!heads_.hasCurrent())
+        return;
+    const QString name = heads_.value(nameColumn_).toString();
+    // Overwrite prompt, no read-only box, create prompt.
+    const auto path = ctx_.prompts.saveFileDialog(csvDialog(kExportTitle, name.trimmed() + QStringLiteral(".csv"), 8198));
+    if (!path)
+        return;
+    const CsvOutcome outcome = exportCsv(name, *path);
+    if (!outcome.ok)
+        ctx_.prompts.messageBox(kExportTitle, outcome.message);
 }
 
 void CurvePage::reload()

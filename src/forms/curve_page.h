@@ -5,6 +5,7 @@
 
 #include "chart/curve_preview.h"
 #include "chart/image_canvas.h"
+#include "store/catalogue_csv.h"
 
 #include <QWidget>
 #include <array>
@@ -58,9 +59,14 @@ protected:
     virtual void saveHead(const QString &column, const QVariant &value) = 0;
     virtual void openNewDialog() = 0;
     virtual void openDeleteDialog() = 0;
+    // The definition shown, to or from a CSV file.
+    virtual CsvOutcome importCsv(const QString &name, const QString &path) = 0;
+    virtual CsvOutcome exportCsv(const QString &name, const QString &path) = 0;
 
     // The grid filled and the preview drawn.
     void fill();
+    // The buttons that all pages have, after the page's own.
+    void addCommonButtons();
     // The head's name in the combo, the text fields from the head.
     void showHead(const QString &name, const QString &distance, const QString &memo, const QString &dat,
                   const QString &tim);
@@ -80,10 +86,14 @@ private:
     void buildControls(const QString &prefix);
     void fillNameCombo();
     void nameChosen(const QString &name);
+    // "Import CSV...": the points of the definition shown are replaced after a question.
+    void importClicked();
+    void exportClicked();
     void showGridPoint();
     void deleteGridPoint();
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+    QString prefix_;
     DataView &heads_;
     QString nameColumn_;
     QComboBox *name_ = nullptr;

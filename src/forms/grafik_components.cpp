@@ -4,6 +4,7 @@
 #include "forms/dellos.h"
 #include "forms/newlos.h"
 #include "store/catalogue_views.h"
+#include "store/database.h"
 #include "store/loss_gain.h"
 
 #include <QButtonGroup>
@@ -35,6 +36,7 @@ GrafikComponents::GrafikComponents(Context &ctx, QWidget *parent)
             &GrafikComponents::openNewDialog);
     connect(addButton("LGDelete", QStringLiteral("Delete...")), &QPushButton::clicked, this,
             &GrafikComponents::openDeleteDialog);
+    addCommonButtons();
 }
 
 void GrafikComponents::showDistance(int kind)
@@ -92,4 +94,18 @@ void GrafikComponents::openDeleteDialog()
     openDialog<DeleteCurveDialog>("dellos", [this] {
         return dellos(ctx_, window(), [this](const QString &name) { showDefinition(name); });
     });
+}
+
+CsvOutcome GrafikComponents::importCsv(const QString &name, const QString &path)
+{
+    // The kind and distance stay those of the component shown.
+    const DataView &head = catalogueViews(ctx_).lgData2;
+    const auto kind = ComponentKind(qBound(0, head.value(QStringLiteral("lostyp")).toInt(), 2));
+    return importComponentCsv(workingDatabase(ctx_), name, kind, head.value(QStringLiteral("Distance")).toFloat(),
+                              path, true);
+}
+
+CsvOutcome GrafikComponents::exportCsv(const QString &name, const QString &path)
+{
+    return exportComponentCsv(workingDatabase(ctx_), name, path);
 }

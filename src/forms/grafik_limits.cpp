@@ -4,6 +4,7 @@
 #include "forms/dellim.h"
 #include "forms/newlim.h"
 #include "store/catalogue_views.h"
+#include "store/database.h"
 #include "store/limits.h"
 
 #include <QCheckBox>
@@ -34,6 +35,7 @@ GrafikLimits::GrafikLimits(Context &ctx, QWidget *parent)
             &GrafikLimits::openNewDialog);
     connect(addButton("limDelete", QStringLiteral("Delete...")), &QPushButton::clicked, this,
             &GrafikLimits::openDeleteDialog);
+    addCommonButtons();
 
     connect(unit_, &QComboBox::activated, this, [this] {
         chooseLimitUnit(ctx_, unit_->currentText());
@@ -103,4 +105,14 @@ void GrafikLimits::openDeleteDialog()
     openDialog<DeleteCurveDialog>("dellim", [this] {
         return dellim(ctx_, window(), [this](const QString &name) { showDefinition(name); });
     });
+}
+
+CsvOutcome GrafikLimits::importCsv(const QString &name, const QString &path)
+{
+    return importLimitCsv(workingDatabase(ctx_), name, path, true);
+}
+
+CsvOutcome GrafikLimits::exportCsv(const QString &name, const QString &path)
+{
+    return exportLimitCsv(workingDatabase(ctx_), name, path);
 }

@@ -24,6 +24,8 @@ protected:
     bool deletePoint(const QString &frequency) override;
     bool choose(const QString &name) override;
     void saveHead(const QString &column, const QVariant &value) override;
+    CsvOutcome importCsv(const QString &name, const QString &path) override;
+    CsvOutcome exportCsv(const QString &name, const QString &path) override;
 
 private:
     void fillUnitCombo();

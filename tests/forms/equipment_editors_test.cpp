@@ -9,6 +9,7 @@
 
 #include <QComboBox>
 #include <QDialog>
+#include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlQuery>
@@ -105,6 +106,7 @@ private slots:
     void unitOffsetTruncated();
     void keyFilters();
     void gridClickAndDelete();
+    void csvButtons();
 };
 
 void EquipmentEditorsTest::addCopyDelete_data()
@@ -136,7 +138,6 @@ void EquipmentEditorsTest::addCopyDelete()
     QCOMPARE(add->findChild<QComboBox *>("DBCombo2")->currentText(), QString("Bench line"));
 
     // The same name again is refused with a box, and no second head is made.
-    b.prompts().answerMessage("Add new", MsgAnswer::Ok);
     QTest::mouseClick(add->findChild<QPushButton *>("Command1"), Qt::LeftButton);
     QCOMPARE(b.prompts().messages("Add new"), QStringList{"Add new|" + exists});
     QCOMPARE(headCount(b, prefix, "Bench line"), 1);
@@ -263,6 +264,44 @@ void EquipmentEditorsTest::gridClickAndDelete()
     QCOMPARE(grid->rowCount(), 6);
     QVERIFY(!storedPoints(b, "LG", "Preamplifier 22 dB").contains(100.0));
     QVERIFY(gridRow(b, "LG", "100").isEmpty());
+}
+
+// Export of one component and import into another; a file the import refuses changes nothing and
+// says why.
+void EquipmentEditorsTest::csvButtons()
+{
+    FrameBench b;
+    b.start();
+    openEditor(b, "LG");
+    const QString file = b.folder.path() + "/cable.csv";
+    pick(b.find<QComboBox>("LGDBCombo1"), "Cable RG214 10 m");
+    b.prompts().answerFile("Export CSV", file);
+    QTest::mouseClick(b.find<QPushButton>("LGExport"), Qt::LeftButton);
+    QVERIFY(QFile::exists(file));
+
+    pick(b.find<QComboBox>("LGDBCombo1"), "Transient limiter 10 dB");
+    b.prompts().answerFile("Import CSV", file);
+    b.prompts().answerMessage("Import CSV", MsgAnswer::Yes);
+    QTest::mouseClick(b.find<QPushButton>("LGImport"), Qt::LeftButton);
+    QCOMPARE(storedPoints(b, "LG", "Transient limiter 10 dB"), storedPoints(b, "LG", "Cable RG214 10 m"));
+    QCOMPARE(b.find<QTableWidget>("LGGrid1")->rowCount(), 10);
+
+    openEditor(b, "lim");
+    QFile bad(b.folder.path() + "/bad.csv");
+    QVERIFY(bad.open(QIODevice::WriteOnly));
+    bad.write("Frequency_MHz,dBuV\n30,40\n50,abc\n");
+    bad.close();
+    pick(b.find<QComboBox>("limDBCombo1"), "EN 55032 B 10m QP");
+    const auto before = storedPoints(b, "lim", "EN 55032 B 10m QP");
+    b.prompts().answerFile("Import CSV", bad.fileName());
+    b.prompts().answerMessage("Import CSV", MsgAnswer::Yes);
+    QTest::mouseClick(b.find<QPushButton>("limImport"), Qt::LeftButton);
+    const QStringList boxes = b.prompts().messages("Import CSV");
+    QCOMPARE(boxes.size(), 3);
+    QVERIFY2(boxes.last().contains("line 3"), qPrintable(boxes.last()));
+    QCOMPARE(storedPoints(b, "lim", "EN 55032 B 10m QP"), before);
+    QVERIFY(b.prompts().unexpected.isEmpty());
+    QVERIFY(b.prompts().unused().isEmpty());
 }
 
 QTEST_MAIN(EquipmentEditorsTest)
