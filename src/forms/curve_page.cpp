@@ -260,8 +260,10 @@ void CurvePage::showHead(const QString &name, const QString &distance, const QSt
 {
     name_->setCurrentIndex(name_->findText(name));
     const QString values[] = {distance, memo, dat, tim};
-    for (int n = 3; n <= 6; ++n)
+    for (int n = 3; n <= 6; ++n) {
         text(n)->setText(values[n - 3]);
+        text(n)->setCursorPosition(0); // a long memo shows its beginning
+    }
 }
 
 PreviewPictures CurvePage::pictures()

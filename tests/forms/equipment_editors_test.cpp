@@ -3,12 +3,16 @@
 
 #include "frame_bench.h"
 
+#include "chart/image_canvas.h"
+#include "forms/curve_page.h"
 #include "forms/grafik.h"
 #include "store/catalogue_views.h"
 #include "store/database.h"
 
 #include <QComboBox>
 #include <QDialog>
+#include <QDir>
+#include <QMdiSubWindow>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
@@ -107,6 +111,7 @@ private slots:
     void keyFilters();
     void gridClickAndDelete();
     void csvButtons();
+    void screenshot();
 };
 
 void EquipmentEditorsTest::addCopyDelete_data()
@@ -302,6 +307,27 @@ void EquipmentEditorsTest::csvButtons()
     QCOMPARE(storedPoints(b, "lim", "EN 55032 B 10m QP"), before);
     QVERIFY(b.prompts().unexpected.isEmpty());
     QVERIFY(b.prompts().unused().isEmpty());
+}
+
+// The limit editor with a delivered limit, its log segments drawn in the limit colour, kept in the
+// build folder (screenshots/) to be looked at.
+void EquipmentEditorsTest::screenshot()
+{
+    FrameBench b;
+    b.frame->resize(1280, 800);
+    b.start();
+    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
+    openEditor(b, "lim");
+    pick(b.find<QComboBox>("limDBCombo1"), "EN 55032 B mains QP");
+    QCoreApplication::processEvents();
+    const QImage plot = b.frame->findChild<PreviewPicture *>("limPicture1")->canvas().image();
+    int curve = 0;
+    for (int y = 0; y < plot.height(); ++y)
+        for (int x = 0; x < plot.width(); ++x)
+            curve += (plot.pixel(x, y) & 0xFFFFFF) == (bgrColour(b.state().screenColours[LimitColour]).rgb() & 0xFFFFFF);
+    QVERIFY(curve > 500);
+    QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
+    QVERIFY(b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/limit-editor.png"));
 }
 
 QTEST_MAIN(EquipmentEditorsTest)
