@@ -3,6 +3,9 @@
 #include "forms/grafik.h"
 #include "forms/app.h"
 #include "forms/boxcom.h"
+#include "forms/grafik_components.h"
+#include "forms/grafik_equipment.h"
+#include "forms/grafik_limits.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
@@ -190,6 +193,22 @@ void MainFrame::buildMenu()
     later(mnusave_, "mnussettings", QStringLiteral("&Settings"));
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
     later(data, "mnuprint", QStringLiteral("&Print"));
+    // The dialogs of the equipment catalogue; the editors on the chart's equipment tab reload after them.
+    QMenu *equipment = menu(data, "mnuequipment", QStringLiteral("&Equipment"));
+    const auto editor = [this](auto open) {
+        return [this, open] {
+            if (grafik_)
+                open(*grafik_->equipment());
+        };
+    };
+    item(equipment, "mnunewlim", QStringLiteral("&New limit definition..."),
+         editor([](GrafikEquipment &e) { e.limits()->openNewDialog(); }));
+    item(equipment, "mnudellim", QStringLiteral("&Delete limit definition..."),
+         editor([](GrafikEquipment &e) { e.limits()->openDeleteDialog(); }));
+    item(equipment, "mnunewlos", QStringLiteral("New &Loss/Gain component..."),
+         editor([](GrafikEquipment &e) { e.components()->openNewDialog(); }));
+    item(equipment, "mnudellos", QStringLiteral("D&elete Loss/Gain component..."),
+         editor([](GrafikEquipment &e) { e.components()->openDeleteDialog(); }));
     item(data, "mnuprsetup", QStringLiteral("Prin&ter setup"), &MainFrame::printerSetupClicked);
     item(data, "mnuseldata", QStringLiteral("D&atabase selection"), &MainFrame::databaseSelectionClicked);
     item(data, "mnuBeenden", QStringLiteral("E&xit"), &MainFrame::exitClicked);

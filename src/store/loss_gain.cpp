@@ -1,6 +1,7 @@
 #include "store/loss_gain.h"
 
 #include "core/context.h"
+#include "store/catalogue_views.h"
 #include "store/database.h"
 
 #include <QSqlQuery>
@@ -53,4 +54,92 @@ QList<ComponentRow> componentRows(const Context &ctx, qint32 losnr)
 void attachStore(Context &ctx)
 {
     ctx.calls.componentRows = [&ctx](qint32 losnr) { return componentRows(ctx, losnr); };
+}
+
+namespace {
+
+QString headText(const DataView &view, const char *column) { return view.value(QLatin1String(column)).toString(); }
+
+} // namespace
+
+std::optional<ComponentHeadShown> reloadLossGainEditor(Context &ctx)
+{
+    DataView &heads = catalogueViews(ctx).lgData2;
+    if (heads.rowCount() == 0)
+        return std::nullopt;
+    if (!heads.hasCurrent())
+        heads.moveFirst();
+    ComponentHeadShown shown{headText(heads, "LosName"), std::nullopt, headText(heads, "Distance"),
+                             headText(heads, "Memo"), headText(heads, "dat"), headText(heads, "tim")};
+    catalogueViews(ctx).LGData1.setSource(curvePointSource(kComponentTables, heads.value(QStringLiteral("Losnr"))));
+    bool known = false;
+    const int kind = heads.value(QStringLiteral("lostyp")).toInt(&known);
+    if (known && kind >= 0 && kind <= 2) {
+        shown.kind = kind;
+        ctx.state.lossGainSign = kind == 2 ? -1 : 1;
+    }
+    return shown;
+}
+
+CurveScale lossGainScale(const AppState &state) { return {state.lossGainSign, 0}; }
+
+PreviewBounds lossGainPreviewBounds(const AppState &s)
+{
+    return {s.lossGainPreviewMinFrequency, s.lossGainPreviewMaxFrequency, s.lossGainPreviewMinLevel,
+            s.lossGainPreviewMaxLevel};
+}
+
+void setLossGainPreviewBounds(AppState &s, const PreviewBounds &b)
+{
+    s.lossGainPreviewMinFrequency = b.minFrequency;
+    s.lossGainPreviewMaxFrequency = b.maxFrequency;
+    s.lossGainPreviewMinLevel = b.minLevel;
+    s.lossGainPreviewMaxLevel = b.maxLevel;
+}
+
+CurveGrid fillLossGainGrid(Context &ctx)
+{
+    PreviewBounds bounds = lossGainPreviewBounds(ctx.state);
+    const CurveGrid grid = readCurveGrid(catalogueViews(ctx).LGData1, lossGainScale(ctx.state), bounds);
+    setLossGainPreviewBounds(ctx.state, bounds);
+    return grid;
+}
+
+void enterLossGainPoint(Context &ctx, const QString &frequency, const QString &level)
+{
+    CatalogueViews &views = catalogueViews(ctx);
+    if (!views.lgData2.hasCurrent())
+        return;
+    const quint8 decimal = ctx.state.decimalChar;
+    enterCurvePoint(views.LGData1, kComponentTables, views.lgData2.value(QStringLiteral("losnr")),
+                    pointValue(frequency, decimal), lossGainScale(ctx.state).stored(pointValue(level, decimal)));
+}
+
+std::optional<CurveGridRow> findLossGainPoint(Context &ctx, const QString &frequency)
+{
+    return findCurvePoint(catalogueViews(ctx).LGData1, frequency, lossGainScale(ctx.state));
+}
+
+bool deleteLossGainPoint(Context &ctx, const QString &frequency)
+{
+    return deleteCurvePoint(catalogueViews(ctx).LGData1, frequency);
+}
+
+bool chooseLossGain(Context &ctx, const QString &name)
+{
+    CatalogueViews &views = catalogueViews(ctx);
+    if (!views.lgData2.findFirst(QStringLiteral("losname like '") + name + QLatin1Char('\'')))
+        return false;
+    views.LGData1.setSource(curvePointSource(kComponentTables, views.lgData2.value(QStringLiteral("losnr"))));
+    return true;
+}
+
+void chooseLossGainKind(Context &ctx, int kind)
+{
+    saveCurveHead(catalogueViews(ctx).lgData2, QStringLiteral("lostyp"), kind);
+}
+
+void saveLossGainHead(Context &ctx, const QString &column, const QVariant &value)
+{
+    saveCurveHead(catalogueViews(ctx).lgData2, column, value);
 }
