@@ -61,3 +61,14 @@ void rebindCatalogueViews(const Context &ctx)
         view.setSource(source);
     }
 }
+
+void releaseCatalogueViews(const Context &ctx)
+{
+    const auto found = allViews().find(&ctx);
+    if (found == allViews().end())
+        return;
+    CatalogueViews &views = *found->second;
+    views.connection.clear();
+    for (const StartingSource &s : kStartingSources)
+        (views.*s.view).setDatabase(QSqlDatabase());
+}

@@ -28,5 +28,8 @@ struct CatalogueViews {
 // The views of this context, made on first use with their starting sources on the working
 // database; when another working database has come into force since, they are bound to it first.
 CatalogueViews &catalogueViews(const Context &ctx);
+// The views let go of the working database before it is closed or replaced, sources kept; the
+// next use binds them to the database then in force.
+void releaseCatalogueViews(const Context &ctx);
 // Every view on the working database now in force, sources kept (bindDataViews).
 void rebindCatalogueViews(const Context &ctx);

@@ -143,7 +143,11 @@ QSqlDatabase workingDatabase(const Context &ctx)
     return found == databases.end() ? QSqlDatabase() : found->second->handle();
 }
 
-void closeWorkingDatabase(const Context &ctx) { openDatabases().erase(&ctx); }
+void closeWorkingDatabase(const Context &ctx)
+{
+    releaseCatalogueViews(ctx);
+    openDatabases().erase(&ctx);
+}
 
 void openWorkingDatabase(Context &ctx)
 {
@@ -172,6 +176,7 @@ void openWorkingDatabase(Context &ctx)
         selectDatabase(ctx);
         return;
     }
+    releaseCatalogueViews(ctx);
     openDatabases()[&ctx] = std::move(candidate.file);
     readQuasiPeakConstants(ctx);
 }
@@ -201,6 +206,7 @@ void selectDatabase(Context &ctx)
     } else {
         ctx.state.databaseVersion = *candidate.version;
         if (acceptVersion(ctx)) {
+            releaseCatalogueViews(ctx);
             openDatabases()[&ctx] = std::move(candidate.file);
             readQuasiPeakConstants(ctx);
             bindDataViews(ctx);

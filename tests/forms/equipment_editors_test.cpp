@@ -43,7 +43,7 @@ QDialog *dialog(FrameBench &b, const char *name)
 {
     auto *d = b.frame->findChild<QDialog *>(QLatin1String(name));
     if (d)
-        QTest::qWaitForWindowExposed(d);
+        (void)QTest::qWaitForWindowExposed(d);
     return d;
 }
 
