@@ -1,5 +1,6 @@
 // Medians of paintChart on the on-screen canvas: four live traces of 2001 points on a
-// 1600 x 1000 plot, and a stored .emc file of 100,000 rows.
+// 1600 x 1000 plot with two delivered limit lines and the known bands, and a stored .emc file
+// of 100,000 rows.
 
 #include "support/measurement_fixture.h"
 #include "support/no_port.h"
@@ -9,10 +10,12 @@
 #include "core/clock.h"
 #include "core/context.h"
 #include "core/scripted_prompts.h"
+#include "store/database.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cmath>
@@ -72,7 +75,28 @@ int main(int argc, char **argv)
             (*traces[t])[i] = qint16(-250 + 40 * t + 30 * std::sin(i * 0.05 * (t + 1)) + (i * 7919 % 13));
     report("live: four traces of 2001 points, 1600 x 1000", medianMs(live, 201), 5.0);
 
+    // The same with the delivered working database: two limit lines and the known bands.
     QTemporaryDir dir;
+    live.ctx.dataFolder = dir.path();
+    s.databasePath = dir.filePath(kWorkingDatabaseName);
+    openWorkingDatabase(live.ctx);
+    auto limitNr = [&live](const char *name) {
+        QSqlQuery query(workingDatabase(live.ctx));
+        query.prepare(QStringLiteral("select limitnr from LimitHead where limitname = ?"));
+        query.addBindValue(QString::fromLatin1(name));
+        return query.exec() && query.next() ? query.value(0).toInt() : 0;
+    };
+    s.maxholdLimitNr = limitNr("EN 55032 B 3m QP");
+    s.averageLimitNr = limitNr("EN 55032 B 10m QP");
+    s.viewLimitMax = s.viewLimitAverage = 1;
+    s.chart.showKnownBands = -1;
+    s.chart.startFrequency = 30;
+    s.chart.stopFrequency = 1000;
+    if (s.maxholdLimitNr == 0 || s.averageLimitNr == 0)
+        std::printf("the delivered limits were not found\n");
+    report("live: the same with two limits and the known bands", medianMs(live, 201), 5.0);
+    closeWorkingDatabase(live.ctx);
+
     const QString path = dir.filePath(QStringLiteral("bench.emc"));
     const QStringList columns{"Frequency", "Sample_dBmW", "Average_dBmW", "Maxhold_dBmW", "QPeak_dBmW",
                               "memory_dBmW", "Ambient_H_dBmW"};

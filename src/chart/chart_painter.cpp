@@ -17,7 +17,8 @@ constexpr double kPlotWidth = 1000000.0;
 constexpr quint32 kLabelColour = 5;          // ticks and label texts
 constexpr quint32 kZeroSpanColour = 0x800080; // palette entry 5
 constexpr quint32 kBlack = 0;
-// A limit line widens the window once; a third pass would mean the hook never settles.
+// Each of the two limit lines widens the window at most once; a further pass would mean the
+// window never settles.
 constexpr int kMaxPaintPasses = 3;
 // Decades of the log axis searched from 1 kHz up; beyond them the window is not a number.
 constexpr int kMaxDecades = 20;
@@ -63,8 +64,11 @@ QString frequencyLabelText(float f, bool zeroSpan)
 
 ChartPainter::ChartPainter(Context &ctx, Canvas &picture1, Canvas &picture2, Canvas &picture3,
                            GrafikControls &controls)
-    : ctx_(ctx), picture1_(picture1), picture2_(picture2), picture3_(picture3), controls_(controls)
+    : ctx_(ctx), picture1_(picture1), picture2_(picture2), picture3_(picture3), controls_(controls),
+      overlays_(ctx, *this)
 {
+    hooks.paintKnownBands = [this] { overlays_.paintKnownBands(); };
+    hooks.paintLimitLines = [this] { return overlays_.paintLimitLines(); };
 }
 
 AppState &ChartPainter::state() { return ctx_.state; }

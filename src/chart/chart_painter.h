@@ -3,6 +3,8 @@
 // pictures (plot, level labels, frequency labels), the grids and labels, and the traces,
 // live from the trace store or stored in the current measurement file.
 
+#include "chart/overlays.h"
+
 #include <QString>
 #include <functional>
 
@@ -12,7 +14,8 @@ class GrafikControls;
 struct AppState;
 struct ChartView;
 
-// Work of later subsystems that paintChart runs at its place in the paint, when set.
+// Steps that paintChart runs at their place in the paint, when set. The chart's own overlays
+// fill the first two; the others are work of later subsystems.
 struct ChartHooks {
     std::function<void()> paintKnownBands;   // under the grid, when showKnownBands is set
     // Limit lines over the grid; true when the level window was widened and the paint must
@@ -26,6 +29,9 @@ struct ChartHooks {
 class ChartPainter {
 public:
     ChartPainter(Context &ctx, Canvas &picture1, Canvas &picture2, Canvas &picture3, GrafikControls &controls);
+    // The hooks hold this painter.
+    ChartPainter(const ChartPainter &) = delete;
+    ChartPainter &operator=(const ChartPainter &) = delete;
 
     void paintChart();
 
@@ -72,6 +78,7 @@ private:
     Canvas &picture2_;
     Canvas &picture3_;
     GrafikControls &controls_;
+    ChartOverlays overlays_;
 };
 
 // A number in a picture of `#` (optional digit) and `0` (digit), one optional point and a

@@ -1,5 +1,6 @@
 // delfor-cli: the headless companion over the same link code as the program.
 
+#include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
 #include "core/clock.h"
 #include "link/discovery.h"
@@ -24,7 +25,9 @@ const char kUsage[] =
     "usage: delfor-cli identify [--port DEVICE | --simulate[=MODEL]] [--baud RATE] [--timeout SECONDS]\n"
     "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n"
     "                       [--mes FILE]\n"
-    "       delfor-cli info FILE\n";
+    "       delfor-cli info FILE\n"
+    "       delfor-cli limits list|import|export ... (--help for more)\n"
+    "       delfor-cli components list|import|export ... (--help for more)\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -222,9 +225,10 @@ QString valueText(const QVariant &value)
 
 int info(const QString &path)
 {
-    const auto summary = describeMeasurementFile(path);
+    QString fault;
+    const auto summary = describeMeasurementFile(path, &fault);
     if (!summary)
-        return fail(path + " is no measurement file");
+        return fail(fault);
     QByteArray out;
     for (const auto &[column, value] : summary->settings)
         out += (column + ": " + valueText(value) + '\n').toUtf8();
@@ -242,8 +246,11 @@ int info(const QString &path)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("delfor"));
+    // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));
+    const QStringList arguments = app.arguments();
+    if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components"))
+        return catalogueCommand(arguments.mid(1));
     QString error;
     const auto options = parseOptions(app.arguments(), error);
     if (!options) {

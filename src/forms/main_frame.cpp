@@ -569,13 +569,19 @@ void MainFrame::loadMeasurementClicked()
     const std::optional<QString> chosen = ctx_.prompts.openFileDialog(request);
     if (chosen) {
         setBusy(ctx_);
+        const QString previous = s.measurementFileName;
         s.measurementFileName = *chosen;
         if (ckrm_->isChecked())
             goLocal(ctx_);
-        setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
-        readMeasurementFile(ctx_);
-        action("mnusmeasurement")->setEnabled(false);
-        s.repaintRequest = 1;
+        if (const QString refusal = readMeasurementFile(ctx_); !refusal.isEmpty()) {
+            // The file is not shown: what was on display stays.
+            s.measurementFileName = previous;
+            ctx_.prompts.messageBox(kSelectMeasurement, refusal);
+        } else {
+            setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
+            action("mnusmeasurement")->setEnabled(false);
+            s.repaintRequest = 1;
+        }
     } else {
         // A cancel gets the same words as a file that is not there.
         ctx_.prompts.messageBox(kSelectMeasurement, QStringLiteral("File not found ( ")
@@ -596,10 +602,9 @@ void MainFrame::saveMeasurementClicked()
     if (!chosen)
         return;
     setBusy(ctx_);
-    QFile::remove(*chosen);
     ctx_.state.measurementFileName = *chosen;
-    if (createMeasurementFile(ctx_))
-        writeTraceMeasurement(ctx_);
+    if (const QString failure = saveTraceMeasurement(ctx_); !failure.isEmpty())
+        ctx_.prompts.messageBox(kSelectMeasurement, failure);
     clearBusy(ctx_);
 }
 

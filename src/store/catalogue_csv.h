@@ -17,7 +17,8 @@ enum class ComponentKind { Antenna = 0, Loss = 1, Gain = 2 };
 
 struct CsvOutcome {
     bool ok = false;
-    QString message; // on a refusal: what is wrong, and where ("line 7: ...")
+    QString message; // on a refusal: what is wrong, and where ("FILE: line 7: ...")
+    bool nameExists = false; // refused because the name exists: an import with replace takes it
 };
 
 // Creates limit `name` from the file, or with `replace` replaces the points of the one that exists

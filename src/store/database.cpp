@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlQuery>
+#include <QSet>
 #include <QSqlRecord>
 
 #include <cmath>
@@ -31,31 +32,60 @@ std::map<const Context *, std::unique_ptr<SqliteFile>> &openDatabases()
     return databases;
 }
 
-// Opens `path` as the context's working database. A file that does not exist or does not open
-// leaves the previous connection in place.
-void openInto(const Context &ctx, const QString &path)
-{
-    auto opened = std::make_unique<SqliteFile>(path);
-    if (opened->isOpen())
-        openDatabases()[&ctx] = std::move(opened);
-}
+// A version number out of all reason (1e39, or one that is no number) marks a file of another
+// format, not a later schema revision.
+constexpr float kUnreasonableVersion = 100.0f;
 
-// The last row of the version table; none for a file without rows or one that is no database.
-std::optional<float> readVersion(const Context &ctx)
+// The last row of the version table of a file that is a working database; none for a file that
+// is no database, is damaged, lacks a table of the schema (or has a view in its place), has no
+// version row or a version out of all reason.
+std::optional<float> workingDatabaseVersion(QSqlDatabase db)
 {
-    QSqlDatabase db = workingDatabase(ctx);
     if (!db.isOpen())
         return std::nullopt;
     QSqlQuery query(db);
     query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("pragma quick_check")) || !query.next() || query.value(0).toString() != u"ok")
+        return std::nullopt;
+    QSet<QString> tables;
+    if (!query.exec(QStringLiteral("select name from sqlite_master where type = 'table'")))
+        return std::nullopt;
+    while (query.next())
+        tables.insert(query.value(0).toString().toLower());
+    for (const TableSchema &table : workingTables()) {
+        if (!tables.contains(table.name.toLower()))
+            return std::nullopt;
+    }
     if (!query.exec(QStringLiteral("select * from version order by versionnr")))
         return std::nullopt;
-    std::optional<float> version;
     const int column = query.record().indexOf(QStringLiteral("versionnr"));
+    QVariant last;
     while (query.next())
-        version = column < 0 ? 0.0f : query.value(column).toFloat();
+        last = query.value(column);
+    const QMetaType::Type type = QMetaType::Type(last.typeId());
+    if (last.isNull() || (type != QMetaType::Double && type != QMetaType::LongLong && type != QMetaType::Int))
+        return std::nullopt;
+    const float version = last.toFloat();
+    if (!std::isfinite(version) || version >= kUnreasonableVersion)
+        return std::nullopt;
     return version;
 }
+
+// `path` opened as a candidate for the working database, with its version; the version is none
+// when the file is no working database.
+struct Candidate {
+    std::unique_ptr<SqliteFile> file;
+    std::optional<float> version;
+};
+
+Candidate openCandidate(const QString &path)
+{
+    Candidate candidate{std::make_unique<SqliteFile>(path), std::nullopt};
+    candidate.version = workingDatabaseVersion(candidate.file->handle());
+    return candidate;
+}
+
+bool isWorkingDatabase(const QString &path) { return openCandidate(path).version.has_value(); }
 
 void readQuasiPeakConstants(Context &ctx)
 {
@@ -64,10 +94,12 @@ void readQuasiPeakConstants(Context &ctx)
     if (!query.exec(QStringLiteral("select * from qpeak")) || !query.next())
         return;
     const QSqlRecord row = query.record();
+    // An empty cell, or one that holds no number, keeps the constant in force.
     auto load = [&](const char *name, quint16 &target) {
-        const int column = row.indexOf(QLatin1String(name));
-        if (column >= 0)
-            target = quasiPeakConstant(query.value(column).toDouble());
+        bool isNumber = false;
+        const double value = query.value(row.indexOf(QLatin1String(name))).toDouble(&isNumber);
+        if (isNumber)
+            target = quasiPeakConstant(value);
     };
     load("tauf-30", ctx.state.tauf30);
     load("tauf-1000", ctx.state.tauf1000);
@@ -119,7 +151,8 @@ void openWorkingDatabase(Context &ctx)
     const QString pristine = ctx.dataFolder + QLatin1Char('/') + kPristineDatabaseName;
     const QString working = ctx.dataFolder + QLatin1Char('/') + kWorkingDatabaseName;
     if (!QFile::exists(working)) {
-        if (!QFile::exists(pristine))
+        // A delivered file that is damaged is written anew rather than copied.
+        if (!isWorkingDatabase(pristine))
             writePristineDatabase(pristine);
         QFile::copy(pristine, working);
         QFile::setPermissions(working, QFile::permissions(working) | QFileDevice::WriteOwner);
@@ -127,19 +160,19 @@ void openWorkingDatabase(Context &ctx)
     if (ctx.state.databasePath.trimmed().isEmpty())
         ctx.state.databasePath = working;
 
-    openInto(ctx, ctx.state.databasePath);
-    const std::optional<float> version = readVersion(ctx);
-    if (!version) {
+    Candidate candidate = openCandidate(ctx.state.databasePath);
+    if (!candidate.version) {
         ctx.prompts.messageBox(kInitTitle, QStringLiteral("Database defekt or not found ") + kCrCr
                                                + ctx.state.databasePath.trimmed());
         selectDatabase(ctx);
         return;
     }
-    ctx.state.databaseVersion = *version;
+    ctx.state.databaseVersion = *candidate.version;
     if (!acceptVersion(ctx)) {
         selectDatabase(ctx);
         return;
     }
+    openDatabases()[&ctx] = std::move(candidate.file);
     readQuasiPeakConstants(ctx);
 }
 
@@ -159,15 +192,16 @@ void selectDatabase(Context &ctx)
         return;
     }
 
+    // The path changes at once; the database in force changes only for a file that is accepted.
     ctx.state.databasePath = *chosen;
-    openInto(ctx, ctx.state.databasePath);
-    const std::optional<float> version = readVersion(ctx);
-    if (!version) {
+    Candidate candidate = openCandidate(ctx.state.databasePath);
+    if (!candidate.version) {
         ctx.prompts.messageBox(kInitTitle, QStringLiteral("Database defekt or a wrong format") + kCrCr
                                                + ctx.state.databasePath.trimmed());
     } else {
-        ctx.state.databaseVersion = *version;
+        ctx.state.databaseVersion = *candidate.version;
         if (acceptVersion(ctx)) {
+            openDatabases()[&ctx] = std::move(candidate.file);
             readQuasiPeakConstants(ctx);
             bindDataViews(ctx);
         } else {

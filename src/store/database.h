@@ -13,11 +13,17 @@ inline const QString kPristineDatabaseName = QStringLiteral("DELFO.sqlite");
 inline const QString kWorkingDatabaseName = QStringLiteral("default.sqlite");
 
 // Start-up: makes sure default.sqlite exists in the data folder (copied from DELFO.sqlite, which
-// is written out first if it is missing), opens `databasePath`, checks its version and loads
-// the quasi-peak constants. A file that is refused leads into selectDatabase.
+// is written out first if it is missing or damaged), opens `databasePath`, checks it and loads the
+// quasi-peak constants. A file that is refused leads into selectDatabase.
+//
+// A file is a working database when SQLite finds it whole, it holds every table of the schema as
+// a table, and the last row of its version table is a number below 100; only such a file, of an
+// accepted version, becomes the database in force.
 void openWorkingDatabase(Context &ctx);
 
-// The database selection dialog and the opening of the chosen file; ends with busy cleared.
+// The database selection dialog and the opening of the chosen file; a file that is refused leaves
+// the previous database in force (while `databasePath` names the chosen file). Ends with busy
+// cleared.
 void selectDatabase(Context &ctx);
 
 // Gives the data views the current file. The views attach themselves once they exist.

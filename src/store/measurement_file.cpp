@@ -6,11 +6,18 @@
 #include "store/sqlite_file.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <QSqlError>
 #include <QSqlQuery>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <type_traits>
 
 namespace {
@@ -73,17 +80,20 @@ void addRow(DataView &view, const Row &row)
     view.update();
 }
 
-// Opens the state's file, runs `write` on it in one transaction and closes the file again.
+// Opens the file at `path`, runs `write` on it in one transaction and closes it again. False when
+// the file did not open or the transaction did not commit.
 template <typename Write>
-void writeInOneTransaction(Context &ctx, Write write)
+bool writeInOneTransaction(const QString &path, Write write)
 {
-    SqliteFile file(measurementFilePath(ctx.state));
+    SqliteFile file(path);
     QSqlDatabase db = file.handle();
     if (!db.isOpen() || !db.transaction())
-        return;
+        return false;
     write(db);
-    if (!db.commit())
-        db.rollback();
+    if (db.commit())
+        return true;
+    db.rollback();
+    return false;
 }
 
 const QStringList kTraceColumns{"Frequency", "Sample_dBmW", "Average_dBmW", "Maxhold_dBmW", "Memory_dBmW", "QPeak_dBmW"};
@@ -326,7 +336,111 @@ void lookUpUnit(Context &ctx)
     }
 }
 
-const QString kRowsByFrequency = QStringLiteral("select * from measurement order by frequency");
+const QStringList kJournalSuffixes{QStringLiteral("-journal"), QStringLiteral("-wal"), QStringLiteral("-shm")};
+
+// Deletes the file at `path` with a journal that an interrupted write may have left beside it,
+// which would otherwise be rolled into the next file of that name.
+void removeWithJournal(const QString &path)
+{
+    QFile::remove(path);
+    for (const QString &suffix : kJournalSuffixes)
+        QFile::remove(path + suffix);
+}
+
+// Makes a file at `path` with the three empty tables, deleting what was there.
+bool makeNewFile(const QString &path)
+{
+    if (path.isEmpty())
+        return false;
+    removeWithJournal(path);
+    return writeNewDatabase(path, measurementTables());
+}
+
+bool writeTraceFile(Context &ctx, const QString &path)
+{
+    return writeInOneTransaction(path, [&](QSqlDatabase db) {
+        DataView rows(db);
+        rows.setSource(QStringLiteral("select * from measurement"));
+        rows.appendRows(kTraceColumns, traceRows(ctx.state));
+        fillLimitLines(ctx, db);
+        writeSettingsRow(ctx, db, false);
+    });
+}
+
+// A measurement file open for reading, with what a read needs of its rows.
+struct OpenedFile {
+    std::unique_ptr<SqliteFile> file;
+    int rowCount = 0;
+    QVariant firstFrequency; // of the rows in frequency order; null when a row has none
+    QVariant lastFrequency;
+};
+
+// Why a file is refused when SQLite failed on it: damage, or something that is no database.
+QString refusalOf(const QString &path, const QSqlError &error)
+{
+    constexpr int kCorrupt = 11; // SQLITE_CORRUPT, also the base of its extended codes
+    const bool damaged = error.nativeErrorCode().toInt() % 256 == kCorrupt;
+    return path + (damaged ? QStringLiteral(" is damaged: ") : QStringLiteral(" is no measurement file: "))
+           + error.databaseText();
+}
+
+// The first table of a measurement file that the file lacks as a table (a view in its place could
+// run for ever); empty when all are there. `refusal` is set when SQLite cannot read the file.
+QString missingTable(QSqlDatabase db, const QString &path, QString &refusal)
+{
+    QSqlQuery query(db);
+    if (!query.exec(QStringLiteral("select name from sqlite_master where type = 'table'"))) {
+        refusal = refusalOf(path, query.lastError());
+        return {};
+    }
+    QSet<QString> tables;
+    while (query.next())
+        tables.insert(query.value(0).toString().toLower());
+    for (const TableSchema &table : measurementTables()) {
+        if (!tables.contains(table.name.toLower()))
+            return table.name;
+    }
+    return {};
+}
+
+// Opens `path` to read it as a measurement file. Only a regular file is opened: a pipe or a
+// device would block or never end. Every row of the three tables is read once here, so that
+// damage in the middle of the rows refuses the file instead of cutting it short. On refusal the
+// file is not returned and `fault` says why, naming the file.
+OpenedFile openForReading(const QString &path, QString &fault)
+{
+    OpenedFile opened;
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        fault = path + QStringLiteral(" is no measurement file: it does not exist");
+        return {};
+    }
+    if (!info.isFile()) {
+        fault = path + QStringLiteral(" is no measurement file: it is no regular file");
+        return {};
+    }
+    auto file = std::make_unique<SqliteFile>(path);
+    const QString missing = missingTable(file->handle(), path, fault);
+    if (!missing.isEmpty())
+        fault = path + QStringLiteral(" is no measurement file: it has no table ") + missing;
+    if (!fault.isEmpty())
+        return {};
+    QSqlQuery rows(file->handle());
+    rows.setForwardOnly(true);
+    // The first of the rows in frequency order has no frequency when any row has none (nulls sort first).
+    if (!rows.exec(QStringLiteral("select count(*), count(frequency), min(frequency), max(frequency), "
+                                  "(select count(*) from limitlines), (select count(*) from settings) "
+                                  "from measurement"))
+        || !rows.next()) {
+        fault = refusalOf(path, rows.lastError());
+        return {};
+    }
+    opened.rowCount = rows.value(0).toInt();
+    opened.firstFrequency = rows.value(1) == rows.value(0) ? rows.value(2) : QVariant();
+    opened.lastFrequency = rows.value(3);
+    opened.file = std::move(file);
+    return opened;
+}
 
 } // namespace
 
@@ -352,32 +466,32 @@ const QList<TableSchema> &measurementTables()
     return tables;
 }
 
-bool createMeasurementFile(Context &ctx)
+bool createMeasurementFile(Context &ctx) { return makeNewFile(measurementFilePath(ctx.state)); }
+
+void writeTraceMeasurement(Context &ctx) { writeTraceFile(ctx, measurementFilePath(ctx.state)); }
+
+QString saveTraceMeasurement(Context &ctx)
 {
     const QString path = measurementFilePath(ctx.state);
-    if (path.isEmpty())
-        return false;
-    // A journal left by an interrupted write of an earlier file of this name would be rolled
-    // into the new file: it goes with the file.
-    for (const QString &suffix : {QString(), QStringLiteral("-journal"), QStringLiteral("-wal"), QStringLiteral("-shm")})
+    const QString part = path + QStringLiteral(".part");
+    if (!makeNewFile(part) || !writeTraceFile(ctx, part)) {
+        removeWithJournal(part);
+        return QStringLiteral("Cannot save ") + path;
+    }
+    // A journal of the old file would be rolled into the new one.
+    for (const QString &suffix : kJournalSuffixes)
         QFile::remove(path + suffix);
-    return writeNewDatabase(path, measurementTables());
-}
-
-void writeTraceMeasurement(Context &ctx)
-{
-    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
-        DataView rows(db);
-        rows.setSource(QStringLiteral("select * from measurement"));
-        rows.appendRows(kTraceColumns, traceRows(ctx.state));
-        fillLimitLines(ctx, db);
-        writeSettingsRow(ctx, db, false);
-    });
+    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(path).constData()) != 0) {
+        const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+        QFile::remove(part);
+        return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason;
+    }
+    return {};
 }
 
 void writeEmcHeader(Context &ctx)
 {
-    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
+    writeInOneTransaction(measurementFilePath(ctx.state), [&](QSqlDatabase db) {
         fillLimitLines(ctx, db);
         writeSettingsRow(ctx, db, true);
     });
@@ -385,7 +499,7 @@ void writeEmcHeader(Context &ctx)
 
 void updateEmcChartRange(Context &ctx)
 {
-    writeInOneTransaction(ctx, [&](QSqlDatabase db) {
+    writeInOneTransaction(measurementFilePath(ctx.state), [&](QSqlDatabase db) {
         DataView settings(db);
         settings.setSource(QStringLiteral("select * from settings"));
         settings.edit();
@@ -395,11 +509,14 @@ void updateEmcChartRange(Context &ctx)
     });
 }
 
-void readMeasurementFile(Context &ctx)
+QString readMeasurementFile(Context &ctx)
 {
     AppState &s = ctx.state;
-    SqliteFile file(measurementFilePath(ctx.state));
-    Recordset settings(file.handle(), QStringLiteral("select * from settings"));
+    QString fault;
+    const OpenedFile file = openForReading(measurementFilePath(s), fault);
+    if (!file.file)
+        return fault;
+    Recordset settings(file.file->handle(), QStringLiteral("select * from settings"));
     if (const int version = versionBit(settings.value("vernr")))
         readSettingsRow(ctx, settings, version);
     s.traceFrozen = 1;
@@ -408,39 +525,34 @@ void readMeasurementFile(Context &ctx)
     // Again: a Sweep + Step file's 2 survives what the mode entry did to the field.
     take(settings.value("mode"), s.emcMode);
 
-    Recordset rows(file.handle(), kRowsByFrequency);
-    if (!rows.isOpen())
-        return;
-    s.pointCount = rows.rowCount();
-    rows.moveFirst();
-    take(rows.value("frequency"), s.chart.startFrequency);
-    rows.moveLast();
-    take(rows.value("frequency"), s.chart.stopFrequency);
+    s.pointCount = file.rowCount;
+    take(file.firstFrequency, s.chart.startFrequency);
+    take(file.lastFrequency, s.chart.stopFrequency);
+    return {};
 }
 
-std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path)
+std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path, QString *fault)
 {
-    SqliteFile file(path);
-    Recordset settings(file.handle(), QStringLiteral("select * from settings"));
-    Recordset rows(file.handle(), kRowsByFrequency);
-    Recordset lines(file.handle(), QStringLiteral("limitlines"));
-    if (!settings.isOpen() || !rows.isOpen() || !lines.isOpen())
+    QString refusal;
+    const OpenedFile file = openForReading(path, refusal);
+    if (fault)
+        *fault = refusal;
+    if (!file.file)
         return std::nullopt;
     MeasurementFileSummary summary;
-    for (const ColumnInfo &column : settings.columns()) {
-        const QVariant value = settings.value(column.name);
-        const bool single = column.kind == ColumnKind::Single && !value.isNull();
-        summary.settings.append({column.name, single ? QVariant(value.toFloat()) : value});
+    Recordset settings(file.file->handle(), QStringLiteral("select * from settings"));
+    if (settings.hasCurrent()) {
+        for (const ColumnInfo &column : settings.columns()) {
+            const QVariant value = settings.value(column.name);
+            const bool single = column.kind == ColumnKind::Single && !value.isNull();
+            summary.settings.append({column.name, single ? QVariant(value.toFloat()) : value});
+        }
     }
-    if (!settings.hasCurrent())
-        summary.settings.clear();
-    summary.rowCount = rows.rowCount();
+    summary.rowCount = file.rowCount;
     float frequency = 0.0f;
-    rows.moveFirst();
-    if (take(rows.value("frequency"), frequency))
+    if (take(file.firstFrequency, frequency))
         summary.startFrequency = frequency;
-    rows.moveLast();
-    if (take(rows.value("frequency"), frequency))
+    if (take(file.lastFrequency, frequency))
         summary.stopFrequency = frequency;
     return summary;
 }

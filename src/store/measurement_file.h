@@ -3,8 +3,11 @@
 // Limitlines and Settings, made, written, read back into the state and described.
 //
 // Every routine opens the file named by `measurementFileName` (trailing blanks trimmed), does
-// its work in one transaction and closes it again; failures pass silently and leave an
-// incomplete result, never a half-written file.
+// its work in one transaction and closes it again; failures of a write pass silently and leave an
+// incomplete result, never a half-written file. A saved .mes file replaces an old one only when it
+// is complete. A read refuses a file that is not a regular file, lacks one of the three tables (a
+// view in the place of a table counts as missing) or that SQLite finds damaged anywhere in its
+// rows, and then says why, naming the file.
 
 #include "store/schema.h"
 
@@ -39,6 +42,11 @@ bool createMeasurementFile(Context &ctx);
 // the settings row.
 void writeTraceMeasurement(Context &ctx);
 
+// The command's save of a .mes file: made and filled beside the file under the name + ".part",
+// then renamed into place, so that a save cut short keeps the file that was there. Empty when
+// saved, otherwise a text that names the file.
+QString saveTraceMeasurement(Context &ctx);
+
 // Fills Limitlines and the settings row of an .emc file at the start of a run.
 void writeEmcHeader(Context &ctx);
 
@@ -46,7 +54,9 @@ void writeEmcHeader(Context &ctx);
 void updateEmcChartRange(Context &ctx);
 
 // Puts the state back from the file and switches to its mode; the display freezes on the file.
-void readMeasurementFile(Context &ctx);
+// The rows are counted and their first and last frequency found without reading them into memory.
+// Empty when read; for a file that is refused, the state is as it was and the text says why.
+QString readMeasurementFile(Context &ctx);
 
 // What a file holds, for delfor-cli and tests.
 struct MeasurementFileSummary {
@@ -56,5 +66,5 @@ struct MeasurementFileSummary {
     std::optional<float> stopFrequency;
 };
 
-// None when `path` is no measurement file (missing, not a database, or lacking a table).
-std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path);
+// None when `path` is refused as readMeasurementFile refuses it; `fault` then says why.
+std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path, QString *fault = nullptr);

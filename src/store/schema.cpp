@@ -118,6 +118,8 @@ QStringList starterRows()
                        "values (1, 1, 160, 550)"),
         QStringLiteral("insert into unit (unitname, unitoffset) values ('dBmW', 0)"),
         QStringLiteral("insert into unit (unitname, unitoffset) values ('dBuV', 107)"),
+        // With an antenna factor in the chain the level is a field strength: the same offset.
+        QStringLiteral("insert into unit (unitname, unitoffset) values ('dBuV/m', 107)"),
         QStringLiteral("insert into unit (unitname, unitoffset) values ('dBmV', 47)"),
         QStringLiteral("insert into unit (unitname, unitoffset) values ('dBuW', 30)"),
         QStringLiteral("insert into MeasureCount (limitnr, losnr) values (0, 0)"),

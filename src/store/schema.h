@@ -2,8 +2,9 @@
 // The tables of the working database, and the pristine file the program starts from.
 //
 // Columns carry the type names of the file format (SINGLE, BYTE, INTEGER, LONG, BOOLEAN,
-// DOUBLE, DATE, TEXT(n), MEMO) as their declared SQLite types, so that the file documents
-// itself; SQLite stores them as REAL, INTEGER and TEXT. Booleans hold -1 for true and 0 for
+// DOUBLE, DATE, TEXT(n)) as their declared SQLite types, so that the file documents itself;
+// SQLite stores them as REAL, INTEGER and TEXT. A memo is declared TEXT: under the name MEMO
+// SQLite would turn a note "0815" into the number 815. Booleans hold -1 for true and 0 for
 // false. Tables have no key beyond SQLite's rowid.
 
 #include <QList>
@@ -19,7 +20,7 @@ inline const QString kInteger = QStringLiteral("INTEGER");
 inline const QString kLong = QStringLiteral("LONG");
 inline const QString kBoolean = QStringLiteral("BOOLEAN");
 inline const QString kDate = QStringLiteral("DATE");
-inline const QString kMemo = QStringLiteral("MEMO");
+inline const QString kMemo = QStringLiteral("TEXT"); // files of earlier versions say MEMO
 inline QString textType(int width) { return QStringLiteral("TEXT(%1)").arg(width); }
 
 struct ColumnSchema {

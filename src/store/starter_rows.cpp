@@ -12,8 +12,9 @@ struct Point {
     double level;     // as published or entered
 };
 
-// A limit line as published. A step is two points at the same frequency, in the order in which
-// the line is traced, so that the lower limit holds at the transition frequency.
+// A limit line as published. A step is written as two points at the same frequency, in the
+// order in which the line is traced; since a line's frequencies are unique, the first of the two
+// is stored 1 kHz lower (see storedPoints).
 struct LimitLine {
     const char *name;
     bool radiated;
@@ -86,6 +87,8 @@ struct KnownBand {
 };
 
 const char *const kDbuv = "dBuV";
+const char *const kDbuvPerMetre = "dBuV/m"; // a radiated level, with the antenna factor in the chain
+constexpr double kStepWidth = 0.001;       // MHz between the two points of a step
 
 const QList<LimitLine> kLimitLines = {
     {"EN 55032 B 10m QP", true, false, 10,
@@ -140,7 +143,7 @@ const QList<Configuration> kConfigurations = {
 
 const QList<EmcTestRow> kTests = {
     {"EN 55032 B radiated 3m", "Radiated 3m", "EN 55032 B 3m QP", nullptr, 30, 1000, QuasiPeakDetector, false,
-     Rbw120kHz, -40, kDbuv, 10, true, true, SweepAndStep, -6, 10, PeakLimit, false, 120, 5,
+     Rbw120kHz, -40, kDbuvPerMetre, 10, true, true, SweepAndStep, -6, 10, PeakLimit, false, 120, 5,
      "Pre-scan with max hold in both antenna positions, quasi-peak at the frequencies within 6 dB of the limit"},
     {"EN 55032 B conducted", "Conducted mains", "EN 55032 B mains QP", "EN 55032 B mains AV", 0.15, 30,
      QuasiPeakDetector, true, Rbw9kHz, -40, kDbuv, 10, true, true, Step, -6, 10, PeakLimit, false, 9, 3,
@@ -178,6 +181,18 @@ qint32 numberOf(const QList<Row> &rows, const char *name)
     return 0;
 }
 
+// The points as stored: of two points at one frequency, the first moves to 1 kHz below it, so
+// that the level before the step ends there and the level after it holds from the frequency on.
+QList<Point> storedPoints(const QList<Point> &published)
+{
+    QList<Point> points = published;
+    for (qsizetype i = 1; i < points.size(); ++i) {
+        if (points[i].frequency == points[i - 1].frequency)
+            points[i - 1].frequency -= kStepWidth;
+    }
+    return points;
+}
+
 void appendLimitLines(QList<StarterStatement> &out)
 {
     for (qsizetype i = 0; i < kLimitLines.size(); ++i) {
@@ -186,8 +201,9 @@ void appendLimitLines(QList<StarterStatement> &out)
         out.append({QStringLiteral("insert into LimitHead (limitnr, limitname, Radiated, loga, Distance, Memo, "
                                    "limunit, dat, tim) values (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                     {limitnr, text(line.name), boolean(line.radiated), boolean(line.logarithmic),
-                     single(line.distance), text(line.memo), text(kDbuv), kBlank, kBlank}});
-        for (const Point &p : line.points)
+                     single(line.distance), text(line.memo), text(line.radiated ? kDbuvPerMetre : kDbuv), kBlank,
+                     kBlank}});
+        for (const Point &p : storedPoints(line.points))
             out.append({QStringLiteral("insert into LimitDef (limitnr, frequency, level_dbmw) values (?, ?, ?)"),
                         {limitnr, single(p.frequency), single(p.level - kDbuvOffset)}});
     }

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 
 class CliMeasurementTest : public QObject {
     Q_OBJECT
@@ -40,29 +42,71 @@ void CliMeasurementTest::readWritesMesFileThatInfoDescribes()
     QCOMPARE(lines[41], QString("frequency range: 0 - 1000 MHz"));
 }
 
+namespace {
+
+QString sqlite3(const QString &path, const QString &sql)
+{
+    QProcess p;
+    p.start("sqlite3", {path, sql});
+    p.waitForFinished(20000);
+    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
+}
+
+// A file that info must refuse, of the kind named.
+void writeRefusedFile(const QString &path, const QString &kind)
+{
+    if (kind == "text") {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("nothing stored here\n");
+    } else if (kind == "named pipe") {
+        QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
+    } else if (kind == "link to /dev/zero") {
+        QVERIFY(QFile::link("/dev/zero", path));
+    } else if (kind != "missing") {
+        sqlite3(path, "create table Measurement (Frequency SINGLE, Sample_dBmW SINGLE); "
+                      "create table Limitlines (avefreq SINGLE); create table Settings (Vernr INTEGER); "
+                      "insert into Settings values (100); "
+                      "insert into Measurement with recursive r(f) as (select 1 union all select f + 1 from r "
+                      "limit 20000) select f, -f from r");
+        if (kind == "recursive view") {
+            sqlite3(path, "drop table measurement; create view measurement as with recursive r(frequency) as "
+                          "(select 1 union all select frequency + 1 from r) select frequency from r");
+        } else { // garbage over a page in the middle of the rows
+            const int pageSize = sqlite3(path, "pragma page_size").toInt();
+            const int pages = sqlite3(path, "pragma page_count").toInt();
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::ReadWrite) && f.seek(qint64(pages / 2) * pageSize));
+            f.write(QByteArray(pageSize, char(0xA5)));
+        }
+    }
+}
+
+} // namespace
+
 void CliMeasurementTest::infoRefusesOtherFiles_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("missing") << "none.mes" << QByteArray();
-    QTest::newRow("text") << "notes.mes" << QByteArray("nothing stored here\n");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("missing") << "missing" << "is no measurement file: it does not exist";
+    QTest::newRow("text") << "text" << "is no measurement file: file is not a database";
+    QTest::newRow("named pipe") << "named pipe" << "is no measurement file: it is no regular file";
+    QTest::newRow("link to /dev/zero") << "link to /dev/zero" << "is no measurement file: it is no regular file";
+    QTest::newRow("recursive view") << "recursive view" << "is no measurement file: it has no table Measurement";
+    QTest::newRow("damaged page") << "damaged page" << "is damaged: database disk image is malformed";
 }
 
 void CliMeasurementTest::infoRefusesOtherFiles()
 {
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
+    QFETCH(QString, kind);
+    QFETCH(QString, reason);
     QTemporaryDir dir;
-    const QString path = dir.filePath(name);
-    if (!bytes.isEmpty()) {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
+    const QString path = dir.filePath("m.mes");
+    writeRefusedFile(path, kind);
     const CliRun r = cli({"info", path});
     QCOMPARE(r.exitCode, 1);
     QCOMPARE(r.out, QString());
-    QCOMPARE(r.err, "delfor-cli: " + path + " is no measurement file\n");
+    QCOMPARE(r.err, "delfor-cli: " + path + " " + reason + "\n");
 }
 
 QTEST_GUILESS_MAIN(CliMeasurementTest)

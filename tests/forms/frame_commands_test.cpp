@@ -48,8 +48,8 @@ private slots:
     void cancelledLoadSaysFileNotFound();
     void eraseClearsTheTraces();
     void zoomBoxOpensTheZoomWindow();
-    void fileThatIsNoMeasurementIsShownEmpty_data();
-    void fileThatIsNoMeasurementIsShownEmpty();
+    void fileThatIsNoMeasurementIsRefused_data();
+    void fileThatIsNoMeasurementIsRefused();
 };
 
 void FrameCommandsTest::modeSetsItsControls_data()
@@ -314,7 +314,7 @@ void FrameCommandsTest::zoomBoxOpensTheZoomWindow()
     QVERIFY(static_cast<QCheckBox *>(control("Check6"))->isChecked());
 }
 
-void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty_data()
+void FrameCommandsTest::fileThatIsNoMeasurementIsRefused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QByteArray noise(40000, '\0');
@@ -325,7 +325,7 @@ void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty_data()
     QTest::newRow("empty") << QByteArray();
 }
 
-void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty()
+void FrameCommandsTest::fileThatIsNoMeasurementIsRefused()
 {
     QFETCH(QByteArray, bytes);
     FrameBench b;
@@ -338,8 +338,11 @@ void FrameCommandsTest::fileThatIsNoMeasurementIsShownEmpty()
     b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
     b.trigger("mnulmeasure");
     b.frame->timer1Tick();
-    QCOMPARE(b.state().traceFrozen, quint8(1));
-    QCOMPARE(b.state().pointCount, 2001); // no rows: the count stands
+    // A box names the file and the reason; what was on display stays.
+    QVERIFY(b.prompts().messages().last().startsWith("Select Measurement|" + file + " is no measurement file: "));
+    QCOMPARE(b.state().traceFrozen, quint8(0));
+    QCOMPARE(b.state().measurementFileName, QString());
+    QCOMPARE(b.state().pointCount, 2001);
     QCOMPARE(b.state().chart.paintBusy, quint8(0));
     QCOMPARE(b.state().busy, quint8(0));
 }

@@ -5,12 +5,15 @@
 #include "store/database.h"
 #include "store/measurement_file.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -60,6 +63,47 @@ QStringList sqlite3(const QString &path, const QString &sql)
     return QString::fromUtf8(p.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
 }
 
+// A file that a read must refuse, of the kind named.
+void writeRefusedFile(Fixture &f, const QString &path, const QString &kind)
+{
+    if (kind == "text" || kind == "random bytes") {
+        QByteArray bytes("no measurement\n");
+        if (kind == "random bytes") {
+            bytes = QByteArray(8192, 0);
+            for (int i = 0; i < bytes.size(); ++i)
+                bytes[i] = char((i * 7919 + 13) % 251);
+        }
+        QFile out(path);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(bytes);
+    } else if (kind == "named pipe") {
+        QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
+    } else if (kind == "link to /dev/zero") {
+        QVERIFY(QFile::link("/dev/zero", path));
+    } else if (kind != "missing") {
+        f.writeTraceFile();
+        if (kind == "settings dropped")
+            sqlite3(path, "drop table settings");
+        else if (kind == "truncated")
+            QVERIFY(QFile::resize(path, 1024 * 8));
+        else if (kind == "recursive view")
+            sqlite3(path, "drop table measurement; create view measurement as with recursive r(frequency) as "
+                          "(select 1 union all select frequency + 1 from r) select frequency from r");
+        else if (kind == "damaged page") {
+            // Garbage over a page in the middle of the rows.
+            const int pageSize = sqlite3(path, "pragma page_size").value(0).toInt();
+            const int pages = sqlite3(path, "pragma page_count").value(0).toInt();
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.seek(qint64(pages / 2) * pageSize));
+            QByteArray garbage(pageSize, 0);
+            for (int i = 0; i < garbage.size(); ++i)
+                garbage[i] = char(0xA5 ^ (i * 31));
+            file.write(garbage);
+        }
+    }
+}
+
 } // namespace
 
 class MeasurementFileTest : public QObject {
@@ -74,9 +118,12 @@ private slots:
     void emcFileRoundTrip();
     void versions_data();
     void versions();
-    void unreadableFiles_data();
-    void unreadableFiles();
-    void killedWriterLeavesFileThatOpens();
+    void notesKeepTheirText_data();
+    void notesKeepTheirText();
+    void refusedFiles_data();
+    void refusedFiles();
+    void failedSaveNamesFile();
+    void killedSaveKeepsPreviousFile();
 };
 
 void MeasurementFileTest::traceFileLayout()
@@ -108,7 +155,7 @@ void MeasurementFileTest::traceFileLayout()
                          "readmode BYTE,viewsample BYTE,viewaverage BYTE,viewmaxhold BYTE,viewb BYTE,viewqpeak BYTE,"
                          "viewlimitmax BYTE,viewlimitave BYTE,averagename TEXT(80),maxholdname TEXT(80),tgon BYTE,"
                          "tglevel SINGLE,Mode BYTE,viewab BYTE,lmaxdist BYTE,lavedist BYTE,lmaxlog BOOLEAN,"
-                         "lavelog BOOLEAN,configdist BYTE,grafikmin INTEGER,grafikmax INTEGER,note MEMO,"
+                         "lavelog BOOLEAN,configdist BYTE,grafikmin INTEGER,grafikmax INTEGER,note TEXT,"
                          "headline TEXT(80),Ambient BYTE,viewambi BYTE,viewambih BYTE,viewambiv BYTE,calcambi BYTE,"
                          "ambidist INTEGER"));
 
@@ -291,70 +338,105 @@ void MeasurementFileTest::versions()
     QCOMPARE(s.pointCount, 2001);
 }
 
-void MeasurementFileTest::unreadableFiles_data()
+void MeasurementFileTest::notesKeepTheirText_data()
 {
-    QTest::addColumn<QByteArray>("bytes"); // empty: no file at all
-    QTest::addColumn<bool>("truncated");
-    QTest::newRow("missing") << QByteArray() << false;
-    QTest::newRow("text") << QByteArray("no measurement\n") << false;
-    QByteArray noise(8192, 0);
-    for (int i = 0; i < noise.size(); ++i)
-        noise[i] = char((i * 7919 + 13) % 251);
-    QTest::newRow("random bytes") << noise << false;
-    QTest::newRow("other database") << QByteArray() << true;
-    QTest::newRow("truncated") << QByteArray() << true;
+    QTest::addColumn<QString>("note");
+    QTest::addColumn<bool>("oldDeclaration"); // the note column declared MEMO, as earlier files have it
+    QTest::addColumn<QString>("read");
+    QTest::newRow("leading zero") << "0815" << false << "0815";
+    QTest::newRow("trailing zero") << "12.50" << false << "12.50";
+    QTest::newRow("exponent") << "1e3" << false << "1e3";
+    QTest::newRow("old file, text") << "bench 3" << true << "bench 3";
+    QTest::newRow("old file, number") << "12.50" << true << "12.5"; // stored as a number long ago
 }
 
-void MeasurementFileTest::unreadableFiles()
+void MeasurementFileTest::notesKeepTheirText()
 {
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, truncated);
+    QFETCH(QString, note);
+    QFETCH(bool, oldDeclaration);
+    QFETCH(QString, read);
+    Fixture f;
+    const QString path = f.file("m.mes");
+    f.ctx.state.notes = note;
+    f.ctx.state.headline = "0042";
+    f.writeTraceFile();
+    if (oldDeclaration) {
+        sqlite3(path, "pragma writable_schema = on; update sqlite_master set sql = "
+                      "replace(sql, '\"note\" TEXT', '\"note\" MEMO') where name = 'Settings'");
+        sqlite3(path, "update settings set note = '" + note + "'");
+        QCOMPARE(sqlite3(path, "select type from pragma_table_info('Settings') where name = 'note'"), QStringList("MEMO"));
+    }
+    f.ctx.state.notes.clear();
+    QCOMPARE(readMeasurementFile(f.ctx), QString());
+    QCOMPARE(f.ctx.state.notes, read);
+    QCOMPARE(f.ctx.state.headline, QString("0042"));
+}
+
+void MeasurementFileTest::refusedFiles_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason"); // what the text says after the file's name
+    QTest::newRow("missing") << "missing" << " is no measurement file: it does not exist";
+    QTest::newRow("text") << "text" << " is no measurement file: file is not a database";
+    QTest::newRow("random bytes") << "random bytes" << " is no measurement file: file is not a database";
+    QTest::newRow("settings dropped") << "settings dropped" << " is no measurement file: it has no table Settings";
+    QTest::newRow("truncated") << "truncated" << " is damaged: database disk image is malformed";
+    QTest::newRow("named pipe") << "named pipe" << " is no measurement file: it is no regular file";
+    QTest::newRow("link to /dev/zero") << "link to /dev/zero" << " is no measurement file: it is no regular file";
+    QTest::newRow("recursive view") << "recursive view" << " is no measurement file: it has no table Measurement";
+    QTest::newRow("damaged page") << "damaged page" << " is damaged: database disk image is malformed";
+}
+
+void MeasurementFileTest::refusedFiles()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, reason);
     Fixture f;
     AppState &s = f.ctx.state;
     const QString path = f.file("m.mes");
-    if (truncated) {
-        f.writeTraceFile();
-        if (QString(QTest::currentDataTag()) == "other database")
-            sqlite3(path, "drop table settings");
-        else
-            QVERIFY(QFile::resize(path, 1024));
-    } else if (!bytes.isEmpty()) {
-        QFile out(path);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-    }
+    writeRefusedFile(f, path, kind);
     s.pointCount = 5;
     s.headline = "kept";
     s.chart.stopFrequency = 77.0f;
-    readMeasurementFile(f.ctx);
+    QCOMPARE(readMeasurementFile(f.ctx), path + reason);
     QCOMPARE(s.headline, QString("kept"));
-    QCOMPARE(s.traceFrozen, quint8(1));
+    QCOMPARE(s.traceFrozen, quint8(0));
     QCOMPARE(f.entered, QStringList());
-    QCOMPARE(s.pointCount, QString(QTest::currentDataTag()) == "other database" ? 2001 : 5);
-    QVERIFY(!describeMeasurementFile(path));
+    QCOMPARE(s.pointCount, 5);
+    QCOMPARE(s.chart.stopFrequency, 77.0f);
+    QString fault;
+    QVERIFY(!describeMeasurementFile(path, &fault));
+    QCOMPARE(fault, path + reason);
 }
 
-// A writer killed at any moment leaves a file that opens and holds a whole file or empty tables.
-void MeasurementFileTest::killedWriterLeavesFileThatOpens()
+void MeasurementFileTest::failedSaveNamesFile()
 {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("killed.mes");
+    Fixture f;
+    f.ctx.state.measurementFileName = f.file("gone/m.mes");
+    QCOMPARE(saveTraceMeasurement(f.ctx), "Cannot save " + f.file("gone/m.mes"));
+    f.ctx.state.measurementFileName = f.file("m.mes");
+    QCOMPARE(saveTraceMeasurement(f.ctx), QString());
+    QCOMPARE(QDir(f.dir.path()).entryList({"m.mes*"}), QStringList("m.mes"));
+}
+
+// A save killed at any moment leaves the previous file whole, or the new one.
+void MeasurementFileTest::killedSaveKeepsPreviousFile()
+{
+    Fixture f;
+    const QString path = f.file("killed.mes");
+    f.ctx.state.measurementFileName = path;
+    f.ctx.state.pointCount = 3;
+    QCOMPARE(saveTraceMeasurement(f.ctx), QString());
     for (int k = 0; k < 8; ++k) {
         QProcess writer;
         writer.start(QCoreApplication::applicationDirPath() + "/measurement_writer", {path});
         QVERIFY(writer.waitForReadyRead(10000));
-        QThread::usleep(k * 1700); // spreads the kills over one write cycle
+        QThread::usleep(k * 1700); // spreads the kills over one save
         writer.kill();
         QVERIFY(writer.waitForFinished(10000));
-        if (!QFile::exists(path))
-            continue; // killed between delete and create
         QCOMPARE(sqlite3(path, "pragma integrity_check"), QStringList("ok"));
-        const QStringList tables = sqlite3(path, "select count(*) from sqlite_master");
-        if (tables == QStringList("0"))
-            continue; // killed while the tables were made
-        QCOMPARE(tables, QStringList("3"));
         const QStringList counts = sqlite3(path, "select (select count(*) from settings), count(*) from measurement");
-        QVERIFY2(counts == QStringList("0|0") || counts == QStringList("1|2001"), qPrintable(counts.join(',')));
+        QVERIFY2(counts == QStringList("1|3") || counts == QStringList("1|2001"), qPrintable(counts.join(',')));
     }
 }
 

@@ -1,4 +1,4 @@
-// Writes the same .mes file over and over until it is killed; prints a line after each file.
+// Saves the same .mes file over and over until it is killed; prints a line after each save.
 // The measurement file test kills it at chosen moments and opens what is left.
 
 #include "core/clock.h"
@@ -20,8 +20,7 @@ int main(int argc, char **argv)
     for (int i = 1; i <= ctx.state.pointCount; ++i)
         ctx.state.traces.sampleTrace[i] = qint16(-100 - i % 50);
     for (int n = 0;; ++n) {
-        createMeasurementFile(ctx);
-        writeTraceMeasurement(ctx);
+        saveTraceMeasurement(ctx);
         std::printf("%d\n", n);
         std::fflush(stdout);
     }

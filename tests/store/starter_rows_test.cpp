@@ -26,6 +26,7 @@ struct Fixture {
         ctx.dataFolder = dir.path();
         ctx.state.databasePath = dir.filePath(kWorkingDatabaseName);
         openWorkingDatabase(ctx);
+        attachStore(ctx);
     }
     ~Fixture() { closeWorkingDatabase(ctx); }
 
@@ -51,44 +52,19 @@ QList<QVariantList> select(const Context &ctx, const QString &sql, const QVarian
     return rows;
 }
 
-// The one value of a query that gives one row, or an invalid value.
-QVariant single(const Context &ctx, const QString &sql, const QVariantList &values = {})
-{
-    const auto rows = select(ctx, sql, values);
-    return rows.size() == 1 ? rows.first().first() : QVariant();
-}
-
-qint32 limitNumber(const Context &ctx, const QString &name)
-{
-    return single(ctx, QStringLiteral("select limitnr from LimitHead where limitname = ?"), {name}).toInt();
-}
-
-qint32 componentNumber(const Context &ctx, const QString &name)
-{
-    return single(ctx, QStringLiteral("select losnr from loshead where losname = ?"), {name}).toInt();
-}
-
-// A limit line's points as the chart reads them: frequency and published level.
-QList<QPointF> limitPoints(const Context &ctx, qint32 limitnr)
-{
-    QList<QPointF> points;
-    const auto rows = select(ctx, QStringLiteral("select * from limitdef where limitnr = %1 order by frequency").arg(limitnr));
-    for (const QVariantList &row : rows)
-        points << QPointF(row.at(1).toFloat(), row.at(2).toFloat() + kDbuvOffset);
-    return points;
-}
-
-// The level between the two points around a frequency: straight in frequency, or in log
+// The level of a limit line at a frequency, in dBuV: straight between its points, or in log
 // frequency. Frequencies compare as the stored 32-bit values.
-double levelAt(const QList<QPointF> &points, double frequency, bool logarithmic)
+double levelAt(const Context &ctx, qint32 limitnr, bool logarithmic, double frequency)
 {
+    const auto rows = select(ctx, QStringLiteral("select frequency, level_dbmw from limitdef where limitnr = ? "
+                                                 "order by frequency"), {limitnr});
     const double f = float(frequency);
-    for (qsizetype i = 0; i + 1 < points.size(); ++i) {
-        const QPointF a = points[i], b = points[i + 1];
-        if (a.x() <= f && f <= b.x() && a.x() < b.x()) {
-            const double share = logarithmic ? (std::log10(f) - std::log10(a.x())) / (std::log10(b.x()) - std::log10(a.x()))
-                                             : (f - a.x()) / (b.x() - a.x());
-            return a.y() + (b.y() - a.y()) * share;
+    for (qsizetype i = 0; i + 1 < rows.size(); ++i) {
+        const double fa = rows[i][0].toFloat(), fb = rows[i + 1][0].toFloat();
+        const double la = rows[i][1].toFloat() + kDbuvOffset, lb = rows[i + 1][1].toFloat() + kDbuvOffset;
+        if (fa <= f && f <= fb) {
+            const double share = logarithmic ? std::log10(f / fa) / std::log10(fb / fa) : (f - fa) / (fb - fa);
+            return la + (lb - la) * share;
         }
     }
     return qQNaN();
@@ -108,248 +84,105 @@ private slots:
 
     void limitLines_data();
     void limitLines();
-    void knownBands_data();
-    void knownBands();
-    void countersHoldHighestNumbers();
-    void components_data();
-    void components();
-    void configurations_data();
-    void configurations();
-    void emcTests_data();
-    void emcTests();
-    void componentRowsInFrequencyOrder();
+    void limitFrequenciesUnique();
+    void referencesResolve_data();
+    void referencesResolve();
+    void componentCorrections();
 };
 
 void StarterRowsTest::limitLines_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<float>("distance"); // 0: conducted
+    QTest::addColumn<QString>("unit");
     QTest::addColumn<bool>("logarithmic");
-    QTest::addColumn<QList<QPointF>>("levels"); // frequency and published level between the points
-    QTest::addColumn<double>("stepFrequency");
-    QTest::addColumn<QList<double>>("stepDbm"); // the points there, in the order read
-    QTest::newRow("B 10m") << "EN 55032 B 10m QP" << 10.0f << false
-                           << QList<QPointF>{{30, 30}, {100, 30}, {1000, 37}} << 230.0 << QList<double>{-77, -70};
-    QTest::newRow("A 10m") << "EN 55032 A 10m QP" << 10.0f << false
-                           << QList<QPointF>{{100, 40}, {300, 47}} << 230.0 << QList<double>{-67, -60};
-    QTest::newRow("B 3m") << "EN 55032 B 3m QP" << 3.0f << false
-                          << QList<QPointF>{{100, 40}, {500, 47}} << 230.0 << QList<double>{-67, -60};
-    QTest::newRow("A 3m") << "EN 55032 A 3m QP" << 3.0f << false
-                          << QList<QPointF>{{100, 50}, {300, 57}} << 230.0 << QList<double>{-57, -50};
-    QTest::newRow("B mains QP, log slope") << "EN 55032 B mains QP" << 0.0f << true
-                                           << QList<QPointF>{{0.15, 66}, {0.2, 63.611}, {0.3, 60.243}, {0.5, 56}, {10, 60}}
-                                           << 5.0 << QList<double>{-51, -47};
-    QTest::newRow("B mains AV, log slope") << "EN 55032 B mains AV" << 0.0f << true
-                                           << QList<QPointF>{{0.15, 56}, {0.3, 50.243}, {1, 46}, {20, 50}}
-                                           << 5.0 << QList<double>{-61, -57};
-    QTest::newRow("A mains QP") << "EN 55032 A mains QP" << 0.0f << false
-                                << QList<QPointF>{{0.3, 79}, {1, 73}} << 0.5 << QList<double>{-28, -34};
-    QTest::newRow("A mains AV") << "EN 55032 A mains AV" << 0.0f << false
-                                << QList<QPointF>{{0.3, 66}, {10, 60}} << 0.5 << QList<double>{-41, -47};
-    QTest::newRow("FCC B 3m") << "FCC 15 B 3m QP" << 3.0f << false
-                              << QList<QPointF>{{50, 40}, {100, 43.5}, {500, 46}, {980, 54}} << 88.0
-                              << QList<double>{-67, -63.5};
+    QTest::addColumn<QList<QPointF>>("levels"); // frequency, published level; a step 1 kHz wide
+    QTest::newRow("B 10m") << "EN 55032 B 10m QP" << "dBuV/m" << false
+                           << QList<QPointF>{{30, 30}, {229.999, 30}, {230, 37}, {1000, 37}};
+    QTest::newRow("A 10m") << "EN 55032 A 10m QP" << "dBuV/m" << false << QList<QPointF>{{100, 40}, {300, 47}};
+    QTest::newRow("B 3m") << "EN 55032 B 3m QP" << "dBuV/m" << false << QList<QPointF>{{229.999, 40}, {230, 47}};
+    QTest::newRow("A 3m") << "EN 55032 A 3m QP" << "dBuV/m" << false << QList<QPointF>{{100, 50}, {300, 57}};
+    QTest::newRow("B mains QP, log slope") << "EN 55032 B mains QP" << "dBuV" << true
+                                           << QList<QPointF>{{0.15, 66}, {0.3, 60.243}, {4.999, 56}, {5, 60}, {30, 60}};
+    QTest::newRow("B mains AV, log slope") << "EN 55032 B mains AV" << "dBuV" << true
+                                           << QList<QPointF>{{0.3, 50.243}, {1, 46}, {20, 50}};
+    QTest::newRow("A mains QP") << "EN 55032 A mains QP" << "dBuV" << false
+                                << QList<QPointF>{{0.499, 79}, {0.5, 73}};
+    QTest::newRow("A mains AV") << "EN 55032 A mains AV" << "dBuV" << false << QList<QPointF>{{0.3, 66}, {10, 60}};
+    QTest::newRow("FCC B 3m") << "FCC 15 B 3m QP" << "dBuV/m" << false
+                              << QList<QPointF>{{87.999, 40}, {88, 43.5}, {500, 46}, {980, 54}};
 }
 
 void StarterRowsTest::limitLines()
 {
     QFETCH(QString, name);
-    QFETCH(float, distance);
+    QFETCH(QString, unit);
     QFETCH(bool, logarithmic);
     QFETCH(QList<QPointF>, levels);
-    QFETCH(double, stepFrequency);
-    QFETCH(QList<double>, stepDbm);
 
-    const auto heads = select(ctx(), QStringLiteral("select limunit, Radiated, loga, Distance, limitnr from LimitHead "
+    const auto heads = select(ctx(), QStringLiteral("select limitnr, limunit, Radiated, loga from LimitHead "
                                                     "where limitname = ?"), {name});
     QCOMPARE(heads.size(), 1);
-    const QVariantList &head = heads.first();
-    QCOMPARE(head.at(0).toString(), QStringLiteral("dBuV"));
-    QCOMPARE(head.at(1).toInt(), distance > 0 ? -1 : 0);
-    QCOMPARE(head.at(2).toInt(), logarithmic ? -1 : 0);
-    QCOMPARE(head.at(3).toFloat(), distance);
-
-    const QList<QPointF> points = limitPoints(ctx(), head.at(4).toInt());
+    QCOMPARE(heads[0][1].toString(), unit);
+    QCOMPARE(heads[0][2].toInt(), unit == "dBuV/m" ? -1 : 0);
+    QCOMPARE(heads[0][3].toInt(), logarithmic ? -1 : 0);
     for (const QPointF &expected : levels) {
-        const double level = levelAt(points, expected.x(), logarithmic);
+        const double level = levelAt(ctx(), heads[0][0].toInt(), logarithmic, expected.x());
         QVERIFY2(std::fabs(level - expected.y()) < 0.01, qPrintable(QStringLiteral("%1 MHz: %2").arg(expected.x()).arg(level)));
     }
-    // A step is two points at one frequency, in the order the line is traced.
-    QList<double> step;
-    for (const QPointF &p : points) {
-        if (float(p.x()) == float(stepFrequency))
-            step << p.y() - kDbuvOffset;
-    }
-    QCOMPARE(step, stepDbm);
 }
 
-void StarterRowsTest::knownBands_data()
+void StarterRowsTest::limitFrequenciesUnique()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<double>("start");
-    QTest::addColumn<double>("stop");
-    QTest::newRow("FM") << "FM broadcast" << 87.5 << 108.0;
-    QTest::newRow("DAB") << "DAB (Band III)" << 174.0 << 240.0;
-    QTest::newRow("DVB-T") << "DVB-T" << 470.0 << 694.0;
-    QTest::newRow("TETRA") << "TETRA" << 380.0 << 400.0;
-    QTest::newRow("GSM 900") << "GSM 900 downlink" << 925.0 << 960.0;
-    QTest::newRow("GSM 1800") << "GSM 1800 downlink" << 1805.0 << 1880.0;
-    QTest::newRow("LTE 800") << "LTE 800 downlink" << 791.0 << 821.0;
-    QTest::newRow("ISM 433") << "ISM 433 MHz" << 433.05 << 434.79;
-    QTest::newRow("SRD 868") << "SRD 868 MHz" << 863.0 << 870.0;
-}
-
-void StarterRowsTest::knownBands()
-{
-    QFETCH(QString, name);
-    QFETCH(double, start);
-    QFETCH(double, stop);
-
-    const auto rows = select(ctx(), QStringLiteral("select startfreq, stopfreq, \"max-level\" > \"min-level\", "
-                                                   "screenColor between 1 and 16777215, hor or ver "
-                                                   "from knownsignals where signal = ?"), {name});
-    QCOMPARE(rows.size(), 1);
-    QCOMPARE(rows.first(), (QVariantList{start, stop, 1, 1, 1}));
-}
-
-void StarterRowsTest::countersHoldHighestNumbers()
-{
-    const QString counters = QStringLiteral("select count(*) from MeasureCount where limitnr = (select max(limitnr) from "
-                                            "LimitHead) and losnr = (select max(losnr) from loshead)");
-    QCOMPARE(single(ctx(), counters).toInt(), 1);
-    QCOMPARE(select(ctx(), QStringLiteral("select min(limitnr), count(distinct limitnr) = count(*), "
-                                          "count(distinct limitname) = count(*) from LimitHead")),
-             (QList<QVariantList>{{1, 1, 1}}));
-    QCOMPARE(select(ctx(), QStringLiteral("select count(distinct losnr) = count(*) from loshead")),
-             (QList<QVariantList>{{1}}));
-    QCOMPARE(single(ctx(), QStringLiteral("select losname from loshead where losnr = 0")).toString(), QStringLiteral(" "));
-}
-
-void StarterRowsTest::components_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("lostyp");
-    QTest::addColumn<float>("distance");
-    QTest::addColumn<double>("lowest"); // stored correction, dB
-    QTest::addColumn<double>("highest");
-    QTest::addColumn<bool>("rising");
-    QTest::newRow("antenna") << "BiLog antenna 30-1000 MHz" << 0 << 3.0f << 5.0 << 30.0 << false;
-    QTest::newRow("cable") << "Cable RG214 10 m" << 1 << 0.0f << 0.0 << 5.0 << true;
-    QTest::newRow("preamplifier stored negated") << "Preamplifier 22 dB" << 2 << 0.0f << -25.0 << -20.0 << false;
-    QTest::newRow("limiter") << "Transient limiter 10 dB" << 1 << 0.0f << 10.0 << 10.0 << false;
-}
-
-void StarterRowsTest::components()
-{
-    QFETCH(QString, name);
-    QFETCH(int, lostyp);
-    QFETCH(float, distance);
-    QFETCH(double, lowest);
-    QFETCH(double, highest);
-    QFETCH(bool, rising);
-
-    const auto heads = select(ctx(), QStringLiteral("select losnr, lostyp, Distance from loshead where losname = ?"), {name});
-    QCOMPARE(heads.size(), 1);
-    QCOMPARE(heads.first().at(1).toInt(), lostyp);
-    QCOMPARE(heads.first().at(2).toFloat(), distance);
-    const QList<ComponentRow> rows = componentRows(ctx(), heads.first().at(0).toInt());
-    QVERIFY(rows.size() >= 2);
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        QVERIFY2(rows[i].levelDbmw >= lowest && rows[i].levelDbmw <= highest, qPrintable(QString::number(rows[i].levelDbmw)));
-        QVERIFY(!rising || i == 0 || rows[i].levelDbmw > rows[i - 1].levelDbmw);
+    for (const char *table : {"limitdef", "losdef"}) {
+        const QString owner = QLatin1String(table) == QLatin1String("limitdef") ? "limitnr" : "losnr";
+        QCOMPARE(select(ctx(), QStringLiteral("select count(*) from (select 1 from %1 group by %2, frequency "
+                                              "having count(*) > 1)").arg(table, owner)),
+                 (QList<QVariantList>{{0}}));
     }
 }
 
-void StarterRowsTest::configurations_data()
+void StarterRowsTest::referencesResolve_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QStringList>("components"); // slot 1 to 5
-    QTest::newRow("radiated") << "Radiated 3m"
-                              << QStringList{"BiLog antenna 30-1000 MHz", "Cable RG214 10 m", "Preamplifier 22 dB"};
-    QTest::newRow("conducted") << "Conducted mains" << QStringList{"Transient limiter 10 dB", "Cable RG214 10 m"};
+    QTest::addColumn<QString>("dangling"); // rows whose reference leads nowhere
+    QTest::newRow("limit points") << "select count(*) from limitdef where limitnr not in (select limitnr from LimitHead)";
+    QTest::newRow("component points") << "select count(*) from losdef where losnr not in (select losnr from loshead)";
+    QTest::newRow("limit units") << "select count(*) from LimitHead where limunit not in (select unitname from unit)";
+    QTest::newRow("configuration slots")
+        << "select count(*) from config, (select 1 as k union select 2 union select 3 union select 4 union select 5) "
+           "where (case k when 1 then devicea when 2 then deviceb when 3 then devicec when 4 then deviced "
+           "else devicee end) not in (select losnr from loshead where k = 1 or lostyp > 0 or losnr = 0)";
+    QTest::newRow("test chains") << "select count(*) from test where config not in (select ConfigName from config)";
+    QTest::newRow("test limits") << "select count(*) from test where peak not in (select limitnr from LimitHead) "
+                                    "or (average <> 0 and average not in (select limitnr from LimitHead))";
+    QTest::newRow("test units") << "select count(*) from test where unit not in (select unitname from unit)";
+    QTest::newRow("counters below numbers given")
+        << "select count(*) from MeasureCount where limitnr < (select max(limitnr) from LimitHead) "
+           "or losnr < (select max(losnr) from loshead)";
+    QTest::newRow("names given twice")
+        << "select (select count(*) - count(distinct limitname) from LimitHead) "
+           "+ (select count(*) - count(distinct losname) from loshead)";
 }
 
-void StarterRowsTest::configurations()
+void StarterRowsTest::referencesResolve()
 {
-    QFETCH(QString, name);
-    QFETCH(QStringList, components);
-
-    const auto rows = select(ctx(), QStringLiteral("select devicea, deviceb, devicec, deviced, devicee from config "
-                                                   "where ConfigName = ?"), {name});
-    QCOMPARE(rows.size(), 1);
-    for (int slot = 0; slot < 5; ++slot) {
-        const qint32 losnr = rows.first().at(slot).toInt();
-        QCOMPARE(losnr, slot < components.size() ? componentNumber(ctx(), components[slot]) : 0);
-        if (losnr > 0 && slot > 0) // slots 2 to 5 take no antenna
-            QVERIFY(single(ctx(), QStringLiteral("select lostyp from loshead where losnr = ?"), {losnr}).toInt() > 0);
-    }
+    QFETCH(QString, dangling);
+    QCOMPARE(select(ctx(), dangling), (QList<QVariantList>{{0}}));
 }
 
-void StarterRowsTest::emcTests_data()
+// What the chain adds to a reading: a gain with its sign turned, in frequency order.
+void StarterRowsTest::componentCorrections()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QString>("config");
-    QTest::addColumn<QString>("peakLimit");
-    QTest::addColumn<QString>("averageLimit");
-    QTest::addColumn<int>("rbw");
-    QTest::newRow("sweep + step") << "EN 55032 B radiated 3m" << 0 << "Radiated 3m" << "EN 55032 B 3m QP" << QString() << 1;
-    QTest::newRow("step") << "EN 55032 B conducted" << 1 << "Conducted mains" << "EN 55032 B mains QP"
-                          << "EN 55032 B mains AV" << 2;
-}
-
-void StarterRowsTest::emcTests()
-{
-    QFETCH(QString, name);
-    QFETCH(int, mode);
-    QFETCH(QString, config);
-    QFETCH(QString, peakLimit);
-    QFETCH(QString, averageLimit);
-    QFETCH(int, rbw);
-
-    const auto rows = select(ctx(), QStringLiteral("select config, peak, average, startfreq, stopfreq, rbw, ref, unit, "
-                                                   "mode, step from test where name = ?"), {name});
-    QCOMPARE(rows.size(), 1);
-    const QVariantList &t = rows.first();
-    QCOMPARE(t.at(0).toString(), config);
-    QCOMPARE(single(ctx(), QStringLiteral("select count(*) from config where ConfigName = ?"), {config}).toInt(), 1);
-    QCOMPARE(t.at(1).toInt(), limitNumber(ctx(), peakLimit));
-    QCOMPARE(t.at(2).toInt(), averageLimit.isEmpty() ? 0 : limitNumber(ctx(), averageLimit));
-    const QList<QPointF> limit = limitPoints(ctx(), t.at(1).toInt());
-    QVERIFY(t.at(3).toFloat() >= float(limit.first().x()) && t.at(4).toFloat() <= float(limit.last().x()));
-    QCOMPARE(t.at(5).toInt(), rbw);
-    QVERIFY(t.at(6).toDouble() >= -99.8 && t.at(6).toDouble() <= -27.0);
-    QCOMPARE(single(ctx(), QStringLiteral("select count(*) from unit where unitname = ?"), {t.at(7)}).toInt(), 1);
-    QCOMPARE(t.at(8).toInt(), mode);
-    // The step width within what the page allows for the bandwidth: 1000, 120, 9 kHz.
-    const int step = t.at(9).toInt(), low[] = {100, 10, 1}, high[] = {2000, 240, 18};
-    QVERIFY(step >= low[rbw] && step <= high[rbw] && step % low[rbw] == 0);
-}
-
-void StarterRowsTest::componentRowsInFrequencyOrder()
-{
-    Fixture f;
-    attachStore(f.ctx);
-    const QList<ComponentRow> rows = f.ctx.calls.componentRows(componentNumber(f.ctx, "BiLog antenna 30-1000 MHz"));
-    QCOMPARE(rows.size(), 17);
-    QCOMPARE(rows.first().frequency, 30.0f);
-    QCOMPARE(rows.first().levelDbmw, 18.0f);
-    QCOMPARE(rows.last().frequency, 1000.0f);
-    for (qsizetype i = 1; i < rows.size(); ++i)
-        QVERIFY(rows[i - 1].frequency < rows[i].frequency);
-    QVERIFY(componentRows(f.ctx, 999).isEmpty());
-
-    // Rows entered out of order, and rows whose frequency is no number, as an edit may leave them.
-    select(f.ctx, QStringLiteral("insert into losdef (losnr, frequency, level_dbmw) values "
-                                 "(50, 100, 1), (50, 10, 2), (50, null, 9), (50, 'x', 9), (50, 50, 3)"));
-    const QList<ComponentRow> entered = componentRows(f.ctx, 50);
-    QCOMPARE(entered.size(), 3);
-    QCOMPARE(entered[0].frequency, 10.0f);
-    QCOMPARE(entered[1].levelDbmw, 3.0f);
-    QCOMPARE(entered[2].frequency, 100.0f);
-
-    closeWorkingDatabase(f.ctx);
-    QVERIFY(componentRows(f.ctx, 50).isEmpty());
+    const auto number = [&](const char *name) {
+        return select(ctx(), QStringLiteral("select losnr from loshead where losname = ?"), {name}).value(0).value(0).toInt();
+    };
+    const QList<ComponentRow> preamplifier = componentRows(ctx(), number("Preamplifier 22 dB"));
+    QCOMPARE(preamplifier.first().frequency, 0.009f);
+    QCOMPARE(preamplifier.first().levelDbmw, -22.0f);
+    const QList<ComponentRow> antenna = componentRows(ctx(), number("BiLog antenna 30-1000 MHz"));
+    QCOMPARE(antenna.last().frequency, 1000.0f);
+    QCOMPARE(antenna.last().levelDbmw, 23.5f);
+    for (qsizetype i = 1; i < antenna.size(); ++i)
+        QVERIFY(antenna[i - 1].frequency < antenna[i].frequency);
 }
 
 QTEST_GUILESS_MAIN(StarterRowsTest)

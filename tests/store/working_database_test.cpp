@@ -118,6 +118,11 @@ private slots:
     void versionRule();
     void unusableFiles_data();
     void unusableFiles();
+    void damagedPristineIsWrittenAnew_data();
+    void damagedPristineIsWrittenAnew();
+    void quasiPeakCells_data();
+    void quasiPeakCells();
+    void memoKeepsText();
     void cancelKeepsFileInUse();
     void dialogRequest();
     void quasiPeakConversion_data();
@@ -235,61 +240,153 @@ void WorkingDatabaseTest::versionRule()
 void WorkingDatabaseTest::unusableFiles_data()
 {
     QTest::addColumn<QString>("kind");
+    QTest::addColumn<QStringList>("statements"); // run on a pristine file; none: the kind says what it is
     QTest::addColumn<bool>("atStartUp");
-    for (const char *kind : {"empty version table", "no version table", "random bytes", "truncated", "empty file",
-                             "text file", "missing file"}) {
-        QTest::addRow("start-up, %s", kind) << QString::fromLatin1(kind) << true;
-        QTest::addRow("selection, %s", kind) << QString::fromLatin1(kind) << false;
+    const QList<QPair<const char *, QStringList>> kinds{
+        {"empty version table", {"delete from version"}},
+        {"no version table", {"drop table version"}},
+        {"version 1e39", {"update version set versionnr = 1e39"}},
+        {"version 100", {"update version set versionnr = 100"}},
+        {"version as text", {"update version set versionnr = 'x'"}},
+        {"version null", {"update version set versionnr = null"}},
+        {"no LimitDef", {"drop table LimitDef"}},
+        {"no unit", {"drop table unit"}},
+        {"no config", {"drop table config"}},
+        {"no test", {"drop table test"}},
+        {"no settings", {"drop table settings"}},
+        {"no qpeak", {"drop table qpeak"}},
+        {"qpeak a recursive view",
+         {"drop table qpeak", "create view qpeak as with recursive r(x) as (select 1 union all select x + 1 from r) "
+                              "select x as \"tauf-30\" from r"}},
+        {"damaged page", {}},
+        {"random bytes", {}},
+        {"truncated", {}},
+        {"empty file", {}},
+        {"text file", {}},
+        {"missing file", {}},
+    };
+    for (const auto &[kind, statements] : kinds) {
+        QTest::addRow("start-up, %s", kind) << QString::fromLatin1(kind) << statements << true;
+        QTest::addRow("selection, %s", kind) << QString::fromLatin1(kind) << statements << false;
+    }
+}
+
+// A file at `path` that is no working database, of the kind named.
+void writeUnusableFile(const QString &path, const QString &kind, const QStringList &statements)
+{
+    if (!statements.isEmpty() || kind == QLatin1String("damaged page") || kind == QLatin1String("truncated")) {
+        makeDatabase(path, {1.1});
+        sql(path, statements);
+    }
+    if (kind == QLatin1String("damaged page")) {
+        QByteArray bytes = contents(path);
+        const qsizetype middle = bytes.size() / 2 / 4096 * 4096;
+        for (qsizetype i = middle; i < middle + 4096; ++i)
+            bytes[i] = char(0x5A ^ i);
+        writeBytes(path, bytes);
+    } else if (kind == QLatin1String("random bytes")) {
+        QByteArray bytes(50000, '\0');
+        QRandomGenerator generator(4711);
+        for (char &c : bytes)
+            c = char(generator.bounded(256));
+        writeBytes(path, bytes);
+    } else if (kind == QLatin1String("truncated")) {
+        writeBytes(path, contents(path).left(2000));
+    } else if (kind == QLatin1String("empty file")) {
+        writeBytes(path, {});
+    } else if (kind == QLatin1String("text file")) {
+        writeBytes(path, "version;1.1\nqpeak;1;1;160;550\n");
     }
 }
 
 void WorkingDatabaseTest::unusableFiles()
 {
     QFETCH(QString, kind);
+    QFETCH(QStringList, statements);
     QFETCH(bool, atStartUp);
 
     Fixture f;
-    makeDatabase(f.file(kWorkingDatabaseName), {1.1}, QStringLiteral("3, 4, 5, 6"));
+    const QString working = makeDatabase(f.file(kWorkingDatabaseName), {1.1}, QStringLiteral("3, 4, 5, 6"));
     const QString bad = f.file(QStringLiteral("bad.sqlite"));
-    if (kind == QLatin1String("empty version table")) {
-        makeDatabase(bad, {});
-    } else if (kind == QLatin1String("no version table")) {
-        makeDatabase(bad, {1.1});
-        sql(bad, {QStringLiteral("drop table version")});
-    } else if (kind == QLatin1String("random bytes")) {
-        QByteArray bytes(50000, '\0');
-        QRandomGenerator generator(4711);
-        for (char &c : bytes)
-            c = char(generator.bounded(256));
-        writeBytes(bad, bytes);
-    } else if (kind == QLatin1String("truncated")) {
-        makeDatabase(bad, {1.1});
-        writeBytes(bad, contents(bad).left(2000));
-    } else if (kind == QLatin1String("empty file")) {
-        writeBytes(bad, {});
-    } else if (kind == QLatin1String("text file")) {
-        writeBytes(bad, "version;1.1\nqpeak;1;1;160;550\n");
-    }
+    writeUnusableFile(bad, kind, statements);
 
     if (atStartUp) {
         f.ctx.state.databasePath = bad;
         openWorkingDatabase(f.ctx);
         QCOMPARE(f.prompts->messages(),
                  (QStringList{QStringLiteral("Init Database|Database defekt or not found ") + kCr2 + bad, useDefault(bad)}));
+        QVERIFY(!workingDatabase(f.ctx).isValid());
+        QCOMPARE(f.constants(), (QList<quint16>{0, 0, 0, 0}));
     } else {
-        f.ctx.state.databasePath = f.file(kWorkingDatabaseName);
+        f.ctx.state.databasePath = working;
+        openWorkingDatabase(f.ctx);
         f.prompts->answerFile(QStringLiteral("Select Database"), bad);
         selectDatabase(f.ctx);
-        // No second dialog, and the chosen path stays, although the file is unusable.
+        // No second dialog; the chosen path stays, but the database in force is the one before.
         QCOMPARE(f.prompts->messages(),
                  QStringList{QStringLiteral("Init Database|Database defekt or a wrong format") + kCr2 + bad});
         QCOMPARE(f.prompts->shown.size(), 2);
         QCOMPARE(f.ctx.state.databasePath, bad);
+        QCOMPARE(workingDatabase(f.ctx).databaseName(), working);
         QCOMPARE(f.ctx.state.busy, quint8(0));
+        QCOMPARE(f.constants(), (QList<quint16>{6, 8, 10, 12}));
     }
-    QCOMPARE(f.constants(), (QList<quint16>{0, 0, 0, 0}));
     if (kind == QLatin1String("missing file"))
         QVERIFY(!QFile::exists(bad));
+}
+
+void WorkingDatabaseTest::damagedPristineIsWrittenAnew_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QStringList>("statements");
+    QTest::newRow("random bytes") << "random bytes" << QStringList();
+    QTest::newRow("damaged page") << "damaged page" << QStringList();
+    QTest::newRow("no LimitDef") << "no LimitDef" << QStringList("drop table LimitDef");
+}
+
+void WorkingDatabaseTest::damagedPristineIsWrittenAnew()
+{
+    QFETCH(QString, kind);
+    QFETCH(QStringList, statements);
+    Fixture f;
+    writeUnusableFile(f.file(kPristineDatabaseName), kind, statements);
+    openWorkingDatabase(f.ctx);
+    QVERIFY(f.prompts->shown.isEmpty());
+    QCOMPARE(f.constants(), (QList<quint16>{2, 2, 320, 1100}));
+    QCOMPARE(contents(f.file(kWorkingDatabaseName)), contents(f.file(kPristineDatabaseName)));
+}
+
+void WorkingDatabaseTest::quasiPeakCells_data()
+{
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QList<int>>("constants"); // they stand at 2, 2, 320, 1100 before
+    QTest::newRow("numbers") << "5, 6.9, -7.5, 8" << QList<int>{10, 12, 14, 16};
+    QTest::newRow("empty cells") << "null, 6.9, '', 8" << QList<int>{2, 12, 320, 16};
+    QTest::newRow("text") << "'x', 4, 9, 'y'" << QList<int>{2, 8, 18, 1100};
+}
+
+void WorkingDatabaseTest::quasiPeakCells()
+{
+    QFETCH(QString, row);
+    QFETCH(QList<int>, constants);
+    Fixture f;
+    makeDatabase(f.file(kWorkingDatabaseName), {1.1}, row);
+    f.ctx.state.tauf30 = f.ctx.state.tauf1000 = 2;
+    f.ctx.state.tent30 = 320;
+    f.ctx.state.tent1000 = 1100;
+    openWorkingDatabase(f.ctx);
+    const QList<quint16> loaded = f.constants();
+    QCOMPARE(QList<int>(loaded.cbegin(), loaded.cend()), constants);
+}
+
+void WorkingDatabaseTest::memoKeepsText()
+{
+    Fixture f;
+    openWorkingDatabase(f.ctx);
+    QSqlQuery query(workingDatabase(f.ctx));
+    QVERIFY(query.exec(QStringLiteral("update LimitHead set Memo = '0815'")));
+    QVERIFY(query.exec(QStringLiteral("select distinct Memo from LimitHead")) && query.next());
+    QCOMPARE(query.value(0), QVariant(QStringLiteral("0815")));
 }
 
 void WorkingDatabaseTest::cancelKeepsFileInUse()
@@ -373,7 +470,7 @@ void WorkingDatabaseTest::declaredColumns_data()
     QTest::newRow("MeasureCount") << "MeasureCount" << 2 << "losnr" << "LONG";
     QTest::newRow("config") << "config" << 6 << "ConfigName" << "TEXT(80)";
     QTest::newRow("test") << "test" << 23 << "mode" << "BYTE";
-    QTest::newRow("test memo") << "test" << 23 << "memo" << "MEMO";
+    QTest::newRow("test memo") << "test" << 23 << "memo" << "TEXT";
     QTest::newRow("settings") << "settings" << 23 << "bandwith" << "INTEGER";
     QTest::newRow("settings limit number") << "settings" << 23 << "averagename" << "LONG";
     QTest::newRow("knownsignals") << "knownsignals" << 9 << "max-level" << "DOUBLE";
@@ -408,8 +505,8 @@ void WorkingDatabaseTest::starterRows()
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("p.sqlite"));
     QVERIFY(writePristineDatabase(path));
-    QCOMPARE(sql(path, {QStringLiteral("select unitname, unitoffset from unit order by unitoffset")}),
-             (QList<QVariantList>{{"dBmW", 0}, {"dBuW", 30}, {"dBmV", 47}, {"dBuV", 107}}));
+    QCOMPARE(sql(path, {QStringLiteral("select unitname, unitoffset from unit order by unitoffset, unitname")}),
+             (QList<QVariantList>{{"dBmW", 0}, {"dBuW", 30}, {"dBmV", 47}, {"dBuV", 107}, {"dBuV/m", 107}}));
     QCOMPARE(sql(path, {QStringLiteral("select count(*) from MeasureCount")}), (QList<QVariantList>{{1}}));
     QCOMPARE(sql(path, {QStringLiteral("select count(*) from loshead where losnr = 0")}), (QList<QVariantList>{{1}}));
     const auto version = sql(path, {QStringLiteral("select versionnr from version")});
