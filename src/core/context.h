@@ -4,6 +4,7 @@
 
 #include "core/app_state.h"
 #include "core/frame_controls.h"
+#include "core/panel_controls.h"
 #include "core/platform.h"
 
 #include <functional>
@@ -56,6 +57,9 @@ public:
     FrameControls &frame() { return *frame_; }
     // The main frame attaches itself when it is created; until then the controls are kept off screen.
     void attachFrame(FrameControls *frame) { frame_ = frame ? frame : &offscreenFrame_; }
+    // The normal-mode panel of grafik, attached the same way while the form exists.
+    PanelControls &panel() { return *panel_; }
+    void attachPanel(PanelControls *panel) { panel_ = panel ? panel : &offscreenPanel_; }
 
     // Folder of setting.def and the databases.
     QString dataFolder;
@@ -63,6 +67,8 @@ public:
 private:
     FrameControls offscreenFrame_;
     FrameControls *frame_ = &offscreenFrame_;
+    PanelControls offscreenPanel_;
+    PanelControls *panel_ = &offscreenPanel_;
 };
 
 // Runs a hook when a subsystem has set it.

@@ -129,6 +129,7 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     layout->setContentsMargins(2, 2, 2, 2);
     grtab_->addTab(buildMeasurementTab(), QStringLiteral("Measurement"));
     panel_ = new GrafikPanel(ctx);
+    connect(panel_, &GrafikPanel::distanceFromDutChanged, this, &GrafikForm::setDistanceLabel);
     equipment_ = new GrafikEquipment(ctx);
     grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_, panel_), QStringLiteral("Settings"));
     grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_), QStringLiteral("EMC Test"));

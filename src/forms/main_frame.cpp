@@ -1,6 +1,10 @@
 #include "forms/main_frame.h"
 
+#include "forms/delconf.h"
 #include "forms/grafik.h"
+#include "forms/grafik_configurations.h"
+#include "forms/grafik_equipment.h"
+#include "forms/newconf.h"
 #include "forms/app.h"
 #include "forms/boxcom.h"
 #include "forms/grafik_components.h"
@@ -215,6 +219,14 @@ void MainFrame::buildMenu()
 
     QMenu *settings = menu(menuBar(), "settings", QStringLiteral("&Settings"));
     item(settings, "mnuconf", QStringLiteral("&Configuration"), &MainFrame::configurationClicked);
+    const auto reloadConfigurations = [this] {
+        if (grafik_)
+            grafik_->equipment()->configurations()->reload();
+    };
+    item(settings, "mnunewconf", QStringLiteral("&New workplace configuration"),
+         [this, reloadConfigurations] { (new NewconfForm(ctx_, reloadConfigurations, this))->show(); });
+    item(settings, "mnudelconf", QStringLiteral("&Delete workplace configuration"),
+         [this, reloadConfigurations] { (new DelconfForm(ctx_, reloadConfigurations, this))->show(); });
     later(settings, "mnucolor", QStringLiteral("Color &definition"));
     // The level meter's window comes with the colour forms; until then the item only keeps its check.
     named(settings, "mnulevelmeter", QStringLiteral("&View Levelmeter"))->setCheckable(true);

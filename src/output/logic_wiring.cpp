@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "signal/trace_store.h"
+#include "store/catalogue_refresh.h"
 #include "store/database.h"
 #include "store/loss_gain.h"
 
@@ -9,5 +10,6 @@ void attachLogic(Context &ctx)
 {
     attachSignalProcessing(ctx);
     attachStore(ctx);
+    attachCatalogueRefresh(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
 }

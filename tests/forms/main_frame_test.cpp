@@ -60,7 +60,7 @@ void MainFrameTest::remoteBoxConnectsAndGoesLocal()
     b.start();
     b.prompts().shown.clear();
     auto *ckrm = b.find<QCheckBox>("ckrm");
-    auto *toolbox = b.find<QPushButton>("Command6");
+    QWidget *toolbox = b.control("Command6"); // MDI.Command6, not the colour button of grafik
     QVERIFY(!toolbox->isVisible());
 
     b.click("ckrm");
@@ -105,7 +105,7 @@ void MainFrameTest::failedConnectShowsOneBox()
     b.click("ckrm");
     QCOMPARE(b.prompts().messages(), QStringList{message});
     QVERIFY(!b.find<QCheckBox>("ckrm")->isChecked());
-    QVERIFY(!b.find<QPushButton>("Command6")->isVisible());
+    QVERIFY(!b.control("Command6")->isVisible());
     QCOMPARE(b.state().online, qint16(0));
     QCOMPARE(b.state().busy, quint8(0));
     QVERIFY(!QApplication::overrideCursor());
