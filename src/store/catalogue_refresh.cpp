@@ -133,6 +133,8 @@ void refreshConfiguration(Context &ctx)
         s.configName = kNotSet;
         ctx.panel().setConfigurationText(views.measData2.value(QStringLiteral("configname")).toString());
         s.distanceFromDut = 0.0f;
+        // No configuration in force: a deleted one's components no longer correct the reads.
+        s.componentNumber.fill(0);
     }
     showDistance(ctx);
 }

@@ -67,6 +67,7 @@ private slots:
         QCOMPARE(s.configName, QStringLiteral("Not set"));
         QCOMPARE(s.distanceFromDut, 0.0f);
         QVERIFY(!f.ctx.panel().distanceVisible);
+        QCOMPARE(QVariantList(s.componentNumber.begin(), s.componentNumber.end()), QVariantList(5, 0));
     }
 
     void distanceOfTheFirstSlot_data()
