@@ -9,6 +9,8 @@
 #include "store/measurement_file.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QMdiSubWindow>
 #include <QSqlDatabase>
@@ -89,6 +91,26 @@ void ScreensTest::screens_data()
     QTest::newRow("live") << "live" << quint32(0x008000);
     QTest::newRow("stored-mes") << "mes" << quint32(0x008000);
     QTest::newRow("stored-emc") << "emc" << quint32(0x0000FF);
+    QTest::newRow("limits") << "limits" << quint32(0x008000);
+}
+
+// The panel's lists picked as the user picks them: unit, configuration (with the correction on),
+// the two limit lines ticked, and the known bands.
+void pickOverlays(FrameBench &b)
+{
+    const auto pick = [&](const char *name, const QString &text) {
+        auto *combo = b.find<QComboBox>(QLatin1String(name));
+        combo->setCurrentText(text);
+        emit combo->textActivated(text);
+    };
+    pick("DBmeasur1", QStringLiteral("dBuV/m"));
+    pick("DBmeasur2", QStringLiteral("Radiated 3m"));
+    b.state().correctionOn = 1;
+    pick("detecDBCombo1", QStringLiteral("EN 55032 B 3m QP"));
+    pick("detecDBCombo2", QStringLiteral("EN 55032 A 3m QP"));
+    b.find<QCheckBox>(QStringLiteral("detecCheck5"))->click();
+    b.find<QCheckBox>(QStringLiteral("detecCheck6"))->click();
+    b.find<QCheckBox>(QStringLiteral("Check5"))->click();
 }
 
 void ScreensTest::screens()
@@ -100,6 +122,8 @@ void ScreensTest::screens()
     b.start();
     b.frame->findChild<QMdiSubWindow *>()->showMaximized();
     QCoreApplication::processEvents();
+    if (source == "limits")
+        pickOverlays(b);
     b.click("Command2");
     const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
     if (source == "mes") {
@@ -108,7 +132,7 @@ void ScreensTest::screens()
     } else if (source == "emc") {
         writeEmcRun(b, file);
     }
-    if (source != "live") {
+    if (source == "mes" || source == "emc") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnulmeasure");
         QCOMPARE(b.state().traceFrozen, quint8(1));
@@ -123,6 +147,11 @@ void ScreensTest::screens()
     QVERIFY(pixelsOf(plot, b.state().screenColours[GridColour]) > 200);
     if (source == "emc")
         QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 200); // the sweep line
+    if (source == "limits") {
+        QCOMPARE(b.state().unitName, QStringLiteral("dBuV/m"));
+        QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the max hold limit
+        QVERIFY(pixelsOf(plot, b.state().screenColours[AverageColour]) > 200); // the average limit
+    }
     QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
     b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/" + source + ".png");
     QVERIFY(b.prompts().unexpected.isEmpty());
