@@ -7,9 +7,11 @@
 #include "forms/newconf.h"
 #include "forms/app.h"
 #include "forms/boxcom.h"
+#include "forms/colordef.h"
 #include "forms/grafik_components.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_limits.h"
+#include "forms/levelmeter.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
@@ -227,9 +229,22 @@ void MainFrame::buildMenu()
          [this, reloadConfigurations] { (new NewconfForm(ctx_, reloadConfigurations, this))->show(); });
     item(settings, "mnudelconf", QStringLiteral("&Delete workplace configuration"),
          [this, reloadConfigurations] { (new DelconfForm(ctx_, reloadConfigurations, this))->show(); });
-    later(settings, "mnucolor", QStringLiteral("Color &definition"));
-    // The level meter's window comes with the colour forms; until then the item only keeps its check.
-    named(settings, "mnulevelmeter", QStringLiteral("&View Levelmeter"))->setCheckable(true);
+    item(settings, "mnucolor", QStringLiteral("Color &definition"), [this] {
+        auto *colordef = findChild<ColordefForm *>();
+        if (!colordef)
+            colordef = new ColordefForm(ctx_, this);
+        colordef->show();
+        colordef->raise();
+    });
+    // The check follows the window: closing it by its own frame clears the check too.
+    auto *levelmeter = new LevelmeterForm(ctx_, this);
+    item(settings, "mnulevelmeter", QStringLiteral("&View Levelmeter"), [levelmeter](bool checked) {
+        if (checked)
+            levelmeter->load();
+        else
+            levelmeter->close();
+    })->setCheckable(true);
+    connect(levelmeter, &LevelmeterForm::closed, this, [this] { action("mnulevelmeter")->setChecked(false); });
     QMenu *mode = menu(settings, "mnumode", QStringLiteral("&Mode"));
     item(mode, "mnunormal", QStringLiteral("&Normal"), &MainFrame::normalModeClicked)->setCheckable(true);
     item(mode, "mnuemc", QStringLiteral("&EMC"), &MainFrame::emcModeClicked)->setCheckable(true);
@@ -325,6 +340,7 @@ void MainFrame::showGrafik()
 {
     if (!grafik_) {
         grafik_ = new GrafikForm(ctx_);
+        grafik_->painter().hooks.refreshLevelmeter = [this] { findChild<LevelmeterForm *>()->refresh(); };
         grafikWindow_ = mdi_->addSubWindow(grafik_);
         const FormGeometry &g = ctx_.state.geometry;
         grafikWindow_->setGeometry(g.grafikLeft / kTwipsPerPixel, g.grafikTop / kTwipsPerPixel,
@@ -381,6 +397,7 @@ void MainFrame::enterNormalMode()
     call(ctx_.calls.refreshUnits);
     call(ctx_.calls.refreshLimits);
     s.emcRunActive = 0;
+    findChild<LevelmeterForm *>()->close();
     action("mnulevelmeter")->setChecked(false);
     s.chart.zoomOn = false;
     paintChart();
@@ -470,6 +487,9 @@ void MainFrame::closeBoxcom()
 
 void MainFrame::takeFormGeometry(FormGeometry &g)
 {
+    // A closed level meter would come up with the fields as they are: they stay.
+    if (const LevelmeterForm *levelmeter = findChild<LevelmeterForm *>(); levelmeter->isOpen())
+        levelmeter->takeGeometry(g);
     if (!grafikWindow_ || !grafikWindow_->isVisible())
         return;
     g.grafikWindowState = grafikWindow_->isMaximized() ? 2 : grafikWindow_->isMinimized() ? 1 : 0;
