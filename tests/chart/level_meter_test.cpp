@@ -80,7 +80,6 @@ void LevelMeterTest::rowUnderCursorA_data()
     QTest::newRow("on a row") << 500000 << false << quint8(2) << "Measure-Freq.: 200.000MHz" << at200;
     QTest::newRow("between rows: the next one up") << 250000 << false << quint8(2) << "Measure-Freq.: 200.000MHz"
                                                    << at200;
-    QTest::newRow("at the left edge") << 0 << false << quint8(2) << "Measure-Freq.: 100.000MHz" << all;
     QTest::newRow("zoomed: 250 MHz + half of 100 MHz") << 500000 << true << quint8(2) << "Measure-Freq.: 300.000MHz"
                                                        << QList<int>{37, 41};
     // In normal mode with zero span every x stands for the start frequency.

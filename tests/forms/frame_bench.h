@@ -1,6 +1,7 @@
 #pragma once
 // The main frame on a simulated analyser: virtual time, scripted prompts, a temporary data folder.
 
+#include "chart/image_canvas.h"
 #include "forms/app.h"
 #include "forms/main_frame.h"
 #include "output/logic_wiring.h"
@@ -52,5 +53,18 @@ struct FrameBench {
     SimBench sim;
     std::unique_ptr<MainFrame> frame;
 };
+
+// Pixels of a colour (0xBBGGRR) in an image of a canvas or a window.
+inline int pixelsOf(const QImage &image, quint32 bgr)
+{
+    const QRgb wanted = bgrColour(bgr).rgb();
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            count += (line[x] & 0xFFFFFF) == (wanted & 0xFFFFFF);
+    }
+    return count;
+}
 
 inline const QString kOffline = QStringLiteral("DELFOR - V3.00       Offline");

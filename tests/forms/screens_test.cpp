@@ -20,18 +20,6 @@
 
 namespace {
 
-int pixelsOf(const QImage &image, quint32 bgr)
-{
-    const QRgb wanted = bgrColour(bgr).rgb();
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            count += (line[x] & 0xFFFFFF) == (wanted & 0xFFFFFF);
-    }
-    return count;
-}
-
 // An .emc run of the Sweep + Step kind: the sweep as a line, the ambient below it, and every
 // tenth row measured by the detectors.
 void writeEmcRun(FrameBench &b, const QString &path)
