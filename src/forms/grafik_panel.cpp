@@ -143,8 +143,10 @@ QScrollArea *GrafikPanel::buildFront()
         return b;
     };
 
-    grid->addWidget(box(QStringLiteral("Span"), optionGroup(PanelOption::Span, "ospan", spanCaptions(), 2)),
-                    0, 0, 2, 1);
+    // Two columns: the span list beside trace, view and memory; bandwidth and attenuator beside
+    // the calculation; then the levels across, the settings memories and the tracking generator.
+    grid->addWidget(box(QStringLiteral("Span"), optionGroup(PanelOption::Span, "ospan", spanCaptions(), 1)),
+                    0, 0, 3, 1);
     grid->addWidget(box(QStringLiteral("Trace"),
                         optionGroup(PanelOption::Detector, "odet",
                                     {QStringLiteral("Sample"), QStringLiteral("Memory B"),
@@ -157,24 +159,24 @@ QScrollArea *GrafikPanel::buildFront()
                             frontCheck(PanelCheck::Average, "detecCheck2", QStringLiteral("Average")),
                             frontCheck(PanelCheck::Maxhold, "detecCheck3", QStringLiteral("Max. Hold"))}),
                     1, 1);
-    grid->addWidget(box(QStringLiteral("Bandwidth"), optionGroup(PanelOption::Bandwidth, "obw",
-                                                                 {QStringLiteral("1 MHz"), QStringLiteral("120 kHz"),
-                                                                  QStringLiteral("9 kHz")},
-                                                                 1)),
-                    2, 0);
     grid->addWidget(box(QStringLiteral("Memory"), optionGroup(PanelOption::Memory, "omemb",
                                                               {QStringLiteral("Memory Off"), QStringLiteral("Memory B"),
                                                                QStringLiteral("Memory A-B")},
                                                               1)),
                     2, 1);
+    grid->addWidget(box(QStringLiteral("Bandwidth"), optionGroup(PanelOption::Bandwidth, "obw",
+                                                                 {QStringLiteral("1 MHz"), QStringLiteral("120 kHz"),
+                                                                  QStringLiteral("9 kHz")},
+                                                                 1)),
+                    3, 0);
     grid->addWidget(box(QStringLiteral("Attenuator"), optionGroup(PanelOption::Attenuator, "oatt",
                                                                   captions(kAttenuatorOptions, QStringLiteral("dB")), 2)),
-                    3, 0);
+                    4, 0);
     grid->addWidget(column(box(QStringLiteral("Calculation")),
                            {frontCheck(PanelCheck::Calculation, "detecCheck7", QStringLiteral("Calculation On")),
                             button("detecCommand4", QStringLiteral("Reset Calculation"), PanelCommand::ResetCalculation),
                             button("detecCommand1", QStringLiteral("Save A -> B"), PanelCommand::StoreAtoB)}),
-                    3, 1);
+                    3, 1, 2, 1, Qt::AlignTop);
 
     auto *level = box(QStringLiteral("Level"));
     auto *levelGrid = static_cast<QGridLayout *>(level->layout());
@@ -186,20 +188,22 @@ QScrollArea *GrafikPanel::buildFront()
     levelGrid->addWidget(measText2_, 1, 1);
     levelGrid->addWidget(frontCheck(PanelCheck::VideoFilter, "CVideo", QStringLiteral("Video Filter")), 2, 0);
     levelGrid->addWidget(frontCheck(PanelCheck::FivePerDivision, "db", QStringLiteral("5 dB/Div")), 2, 1);
-    grid->addWidget(level, 4, 0, 1, 2);
+    grid->addWidget(level, 5, 0, 1, 2);
 
     cset_ = new QListWidget(inner);
     cset_->setObjectName(QStringLiteral("cset"));
     for (int i = 0; i < kSettingsMemories; ++i)
         cset_->addItem(QStringLiteral("Memory %1").arg(i));
     cset_->setFixedHeight(3 * cset_->sizeHintForRow(0) + 4);
+    // As wide as its column, which the span list sets.
+    cset_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     cset_->installEventFilter(this);
     connect(cset_, &QListWidget::itemClicked, this,
             [this](QListWidgetItem *item) { settingsMemoryChosen(ctx_, cset_->row(item)); });
     grid->addWidget(column(box(QStringLiteral("Settings memory")),
                            {cset_, button("detecCommand2", QStringLiteral("Save"), PanelCommand::SaveMemory),
                             button("detecCommand3", QStringLiteral("Recall"), PanelCommand::RecallMemory)}),
-                    5, 0);
+                    6, 0);
 
     auto *tracking = box(QStringLiteral("Tracking gen."));
     auto *trackingGrid = static_cast<QGridLayout *>(tracking->layout());
@@ -210,8 +214,8 @@ QScrollArea *GrafikPanel::buildFront()
     trackingGrid->addWidget(tgText1_, 1, 0);
     trackingGrid->addWidget(tgLabel4_, 1, 1);
     connect(ctrack_, &QCheckBox::clicked, this, [this](bool on) { ::trackingChecked(ctx_, on); });
-    grid->addWidget(tracking, 5, 1);
-    grid->setRowStretch(6, 1);
+    grid->addWidget(tracking, 6, 1);
+    grid->setRowStretch(7, 1);
     return area;
 }
 
