@@ -15,6 +15,8 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -72,21 +74,42 @@ bool legendInEmcOnly(int index) { return index == 3 || index == 4 || index == 5 
 // so that the labels at the plot's corners have room. The analyser's front stands at the right.
 class MeasurementPage : public QWidget {
 public:
-    MeasurementPage(QWidget *picture1, QWidget *picture2, QWidget *picture3, QWidget *panel, QWidget *front,
+    MeasurementPage(QWidget *picture1, QWidget *picture2, QWidget *picture3, QWidget *panel, QScrollArea *front,
                     QWidget *parent)
         : QWidget(parent), p1_(picture1), p2_(picture2), p3_(picture3), panel_(panel), front_(front)
     {
         setObjectName(QStringLiteral("measurementTab"));
-        for (QWidget *w : {p1_, p2_, p3_, panel_, front_})
+        for (QWidget *w : {p1_, p2_, p3_, panel_, static_cast<QWidget *>(front_)})
             w->setParent(this);
+        front_->installEventFilter(this);
         setMinimumSize(480, 320);
     }
 
 protected:
-    void resizeEvent(QResizeEvent *) override
+    void resizeEvent(QResizeEvent *) override { place(); }
+    // The front is hidden in EMC mode: the chart takes its room.
+    bool eventFilter(QObject *watched, QEvent *event) override
     {
-        const int frontWidth = front_->sizeHint().width();
-        const int panelLeft = width() - frontWidth - kPanelWidth;
+        if (watched == front_ && (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent))
+            place();
+        return false;
+    }
+
+private:
+    // The front's width, with room for its scroll bar when the page is too low for it.
+    int frontWidth() const
+    {
+        if (front_->isHidden())
+            return 0;
+        const QWidget *inner = front_->widget();
+        const bool scrolls = inner->minimumSizeHint().height() > height();
+        return inner->sizeHint().width() + (scrolls ? front_->verticalScrollBar()->sizeHint().width() : 0);
+    }
+
+    void place()
+    {
+        const int front = frontWidth();
+        const int panelLeft = width() - front - kPanelWidth;
         const int plotWidth = qMax(40, panelLeft - kLevelLabelWidth - 8);
         const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
         p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
@@ -94,11 +117,11 @@ protected:
         p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + kPanelWidth - kLevelLabelWidth,
                          kFrequencyLabelHeight);
         panel_->setGeometry(panelLeft, kTopMargin, kPanelWidth, plotHeight);
-        front_->setGeometry(width() - frontWidth, 0, frontWidth, height());
+        front_->setGeometry(width() - front, 0, front, height());
     }
 
-private:
-    QWidget *p1_, *p2_, *p3_, *panel_, *front_;
+    QWidget *p1_, *p2_, *p3_, *panel_;
+    QScrollArea *front_;
 };
 
 } // namespace
@@ -344,6 +367,7 @@ void GrafikForm::applyMode(bool emc)
     for (QPushButton *command : cursorCommands_)
         command->setVisible(!emc);
     label1_->setVisible(!emc);
+    panel_->front()->setVisible(!emc);
     for (int i = 0; i < int(legend_.size()); ++i) {
         legend_[i]->setText(QLatin1String(emc ? kLegend[i].emc : kLegend[i].normal));
         if (legendInEmcOnly(i))

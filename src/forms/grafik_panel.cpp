@@ -107,7 +107,7 @@ GrafikPanel::~GrafikPanel()
         ctx_.attachPanel(nullptr);
 }
 
-QWidget *GrafikPanel::front() const { return front_; }
+QScrollArea *GrafikPanel::front() const { return front_; }
 
 QScrollArea *GrafikPanel::buildFront()
 {

@@ -30,7 +30,7 @@ public:
     // The lists anew from their views, then the limits, the configuration and the unit.
     void reload();
     // The analyser's front; its parent is the measurement tab.
-    QWidget *front() const;
+    QScrollArea *front() const;
 
     void setMaxholdLimitText(const QString &text) override;
     void setAverageLimitText(const QString &text) override;

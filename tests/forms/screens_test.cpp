@@ -97,7 +97,7 @@ void ScreensTest::screens_data()
     QTest::newRow("panel") << "panel" << quint32(0x008000);
 }
 
-// The panel's lists picked as the user picks them: unit, configuration (with the correction on),
+// The panel's lists picked as the user picks them: unit, configuration with "Correction On",
 // the two limit lines ticked, and the known bands.
 void pickOverlays(FrameBench &b)
 {
@@ -108,7 +108,7 @@ void pickOverlays(FrameBench &b)
     };
     pick("DBmeasur1", QStringLiteral("dBuV/m"));
     pick("DBmeasur2", QStringLiteral("Radiated 3m"));
-    b.state().correctionOn = 1;
+    b.find<QCheckBox>(QStringLiteral("cCorrection"))->click();
     pick("detecDBCombo1", QStringLiteral("EN 55032 B 3m QP"));
     pick("detecDBCombo2", QStringLiteral("EN 55032 A 3m QP"));
     b.find<QCheckBox>(QStringLiteral("detecCheck5"))->click();
