@@ -15,6 +15,8 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -28,6 +30,10 @@ constexpr int kLevelLabelWidth = 48;
 constexpr int kFrequencyLabelHeight = 24;
 constexpr int kPanelWidth = 160;
 constexpr int kTopMargin = 8;
+// The form is never smaller than 10215 x 8050 twips.
+constexpr int kMinimumWidth = 681;
+constexpr int kMinimumHeight = 537;
+constexpr int kMeasurementTab = 0;
 
 QColor screenColour(quint32 bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
 
@@ -65,32 +71,57 @@ bool legendInEmcOnly(int index) { return index == 3 || index == 4 || index == 5 
 
 // Lays the measurement tab out for its size: the plot between the level labels and the panel,
 // the level labels reaching below the plot and the frequency labels reaching under the panel,
-// so that the labels at the plot's corners have room.
+// so that the labels at the plot's corners have room. The analyser's front stands at the right.
 class MeasurementPage : public QWidget {
 public:
-    MeasurementPage(QWidget *picture1, QWidget *picture2, QWidget *picture3, QWidget *panel, QWidget *parent)
-        : QWidget(parent), p1_(picture1), p2_(picture2), p3_(picture3), panel_(panel)
+    MeasurementPage(QWidget *picture1, QWidget *picture2, QWidget *picture3, QWidget *panel, QScrollArea *front,
+                    QWidget *parent)
+        : QWidget(parent), p1_(picture1), p2_(picture2), p3_(picture3), panel_(panel), front_(front)
     {
         setObjectName(QStringLiteral("measurementTab"));
-        for (QWidget *w : {p1_, p2_, p3_, panel_})
+        for (QWidget *w : {p1_, p2_, p3_, panel_, static_cast<QWidget *>(front_)})
             w->setParent(this);
+        front_->installEventFilter(this);
         setMinimumSize(480, 320);
     }
 
 protected:
-    void resizeEvent(QResizeEvent *) override
+    void resizeEvent(QResizeEvent *) override { place(); }
+    // The front is hidden in EMC mode: the chart takes its room.
+    bool eventFilter(QObject *watched, QEvent *event) override
     {
-        const int plotWidth = qMax(40, width() - kLevelLabelWidth - kPanelWidth - 8);
-        const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
-        p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
-        p1_->setGeometry(kLevelLabelWidth, kTopMargin, plotWidth, plotHeight);
-        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, width() - kLevelLabelWidth,
-                         kFrequencyLabelHeight);
-        panel_->setGeometry(width() - kPanelWidth, kTopMargin, kPanelWidth, plotHeight);
+        if (watched == front_ && (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent))
+            place();
+        return false;
     }
 
 private:
+    // The front's width, with room for its scroll bar when the page is too low for it.
+    int frontWidth() const
+    {
+        if (front_->isHidden())
+            return 0;
+        const QWidget *inner = front_->widget();
+        const bool scrolls = inner->minimumSizeHint().height() > height();
+        return inner->sizeHint().width() + (scrolls ? front_->verticalScrollBar()->sizeHint().width() : 0);
+    }
+
+    void place()
+    {
+        const int front = frontWidth();
+        const int panelLeft = width() - front - kPanelWidth;
+        const int plotWidth = qMax(40, panelLeft - kLevelLabelWidth - 8);
+        const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
+        p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
+        p1_->setGeometry(kLevelLabelWidth, kTopMargin, plotWidth, plotHeight);
+        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + kPanelWidth - kLevelLabelWidth,
+                         kFrequencyLabelHeight);
+        panel_->setGeometry(panelLeft, kTopMargin, kPanelWidth, plotHeight);
+        front_->setGeometry(width() - front, 0, front, height());
+    }
+
     QWidget *p1_, *p2_, *p3_, *panel_;
+    QScrollArea *front_;
 };
 
 } // namespace
@@ -125,10 +156,11 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
 {
     setObjectName(QStringLiteral("grafik"));
     setWindowTitle(QString());
+    setMinimumSize(kMinimumWidth, kMinimumHeight);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
-    grtab_->addTab(buildMeasurementTab(), QStringLiteral("Measurement"));
     panel_ = new GrafikPanel(ctx);
+    grtab_->addTab(buildMeasurementTab(), QStringLiteral("Measurement"));
     connect(panel_, &GrafikPanel::distanceFromDutChanged, this, &GrafikForm::setDistanceLabel);
     equipment_ = new GrafikEquipment(ctx);
     grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_, panel_), QStringLiteral("Settings"));
@@ -153,7 +185,7 @@ QWidget *GrafikForm::buildMeasurementTab()
     column->addWidget(buildLegend());
     column->addWidget(buildChartControls());
     column->addStretch(1);
-    return new MeasurementPage(picture1_, picture2_, picture3_, panel, grtab_);
+    return new MeasurementPage(picture1_, picture2_, picture3_, panel, panel_->front(), grtab_);
 }
 
 QWidget *GrafikForm::buildLegend()
@@ -286,17 +318,29 @@ QFrame *GrafikForm::placeholderPage(const char *frameName, const char *labelName
 
 void GrafikForm::tabChanged(int index)
 {
+    AppState &s = ctx_.state;
+    // A running EMC test keeps the chart in front.
+    if (s.emcRunActive != 0 && index != kMeasurementTab) {
+        grtab_->setCurrentIndex(kMeasurementTab);
+        return;
+    }
     CatalogueViews &views = catalogueViews(ctx_);
-    if (index == 0) {
-        for (DataView *view : {&views.LGData1, &views.lgData2, &views.LGData1, &views.limData1, &views.limData2,
-                               &views.limData3, &views.conData1, &views.conData2, &views.conData3, &views.known})
-            view->refresh();
-        ctx_.state.repaintRequest = 1;
-    } else if (index == 1 && ctx_.state.emcMode == 0) {
+    if (index == kMeasurementTab) {
+        s.repaintRequest = 1;
+        if (s.emcMode == 0)
+            for (DataView *view : {&views.detecData1, &views.detecData2, &views.measData2})
+                view->refresh();
+        call(ctx_.calls.refreshLimits);
+        call(ctx_.calls.refreshConfiguration);
+        call(ctx_.calls.refreshUnits);
+    } else if (index == 1 && s.emcMode == 0) {
         for (DataView *view : {&views.detecData1, &views.detecData2, &views.measData2})
             view->refresh();
         panel_->reload();
     } else if (index == 3) {
+        for (DataView *view : {&views.LGData1, &views.lgData2, &views.limData1, &views.limData2, &views.limData3,
+                               &views.conData1, &views.conData2, &views.conData3, &views.known})
+            view->refresh();
         equipment_->reloadEditors();
     }
 }
@@ -319,10 +363,11 @@ void GrafikForm::paintChart()
 
 void GrafikForm::applyMode(bool emc)
 {
-    grtab_->setCurrentIndex(0);
+    grtab_->setCurrentIndex(kMeasurementTab);
     for (QPushButton *command : cursorCommands_)
         command->setVisible(!emc);
     label1_->setVisible(!emc);
+    panel_->front()->setVisible(!emc);
     for (int i = 0; i < int(legend_.size()); ++i) {
         legend_[i]->setText(QLatin1String(emc ? kLegend[i].emc : kLegend[i].normal));
         if (legendInEmcOnly(i))

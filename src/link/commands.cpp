@@ -28,10 +28,11 @@ QString plain(double value)
     return QString::number(value, 'g', 10);
 }
 
-// The signed reference picture of "#rl" and "#tl": a plus sign for 0 and above.
+// The signed reference picture of "#rl" and "#tl": a plus sign for 0 and above, a minus sign
+// below, also for a level that rounds to zero (-0.04 is "-00.0": "00.0" would read as +0).
 QString signedLevel(double value)
 {
-    return (value >= 0 ? QStringLiteral("+") : QString()) + numberPicture(value, 2, 1);
+    return (value >= 0 ? QStringLiteral("+") : QStringLiteral("-")) + numberPicture(std::fabs(value), 2, 1);
 }
 
 // Tracking generator commands are held back by the model text, not by the model's capability.

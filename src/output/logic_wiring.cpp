@@ -1,5 +1,6 @@
 #include "output/logic_wiring.h"
 
+#include "chart/measurement_panel.h"
 #include "core/context.h"
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
@@ -11,5 +12,6 @@ void attachLogic(Context &ctx)
     attachSignalProcessing(ctx);
     attachStore(ctx);
     attachCatalogueRefresh(ctx);
+    attachMeasurementPanel(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
 }

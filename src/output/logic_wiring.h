@@ -5,5 +5,6 @@
 
 class Context;
 
-// Working database, trace store, conversion and correction chain, catalogue refreshes.
+// Working database, trace store, conversion and correction chain, catalogue refreshes, the
+// measurement panel.
 void attachLogic(Context &ctx);

@@ -2,7 +2,9 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <numeric>
 
 namespace {
@@ -22,12 +24,23 @@ bool isRate(qint32 rate)
 // Whether the panel takes `value` for a setting: the analyser refuses what it cannot show.
 bool takes(const QByteArray &name, double value)
 {
+    const auto oneOf = [value](std::initializer_list<double> values) {
+        return std::find(values.begin(), values.end(), value) != values.end();
+    };
+    if (name == "sp")
+        return oneOf({1000, 500, 200, 100, 50, 30, 20, 10, 5, 2, 1, 0});
     if (name == "bw")
-        return value == 1000 || value == 120 || value == 9;
+        return oneOf({1000, 120, 9});
+    if (name == "at")
+        return oneOf({0, 10, 20, 30, 40});
     if (name == "db")
-        return value == 10 || value == 5;
-    if (name == "sp" || name == "at")
-        return value >= 0;
+        return oneOf({10, 5});
+    if (name == "vm")
+        return oneOf({0, 1, 2, 3, 4});
+    if (name == "vf" || name == "tg" || name == "dm")
+        return oneOf({0, 1});
+    if (name == "sv" || name == "rc")
+        return value >= 0 && value < kSimMemories && value == std::floor(value);
     return true;
 }
 
@@ -54,6 +67,36 @@ QByteArray blockText(const SimPanel &p)
 Analyser::Analyser(QString model, QString firmware)
     : model(std::move(model)), versionReplies{std::move(firmware)}
 {
+}
+
+bool Analyser::hasTrackingGenerator() const
+{
+    return model.contains(QLatin1String("K320"));
+}
+
+// The front as it was saved; the link, the trigger and the calculation are no part of it.
+void Analyser::recall(const SimPanel &saved)
+{
+    SimPanel &p = panel;
+    p.centerFrequency = saved.centerFrequency;
+    p.refLevel = saved.refLevel;
+    p.attenuator = saved.attenuator;
+    p.span = saved.span;
+    p.bandwidth = saved.bandwidth;
+    p.videoFilter = saved.videoFilter;
+    p.readMode = saved.readMode;
+    p.tgOn = saved.tgOn;
+    p.tgLevel = saved.tgLevel;
+    p.dbPerDivision = saved.dbPerDivision;
+}
+
+void Analyser::sweep()
+{
+    // A unit without a generator keeps the setting, but nothing comes out.
+    SimPanel seen = panel;
+    if (!hasTrackingGenerator())
+        seen.tgOn = 0;
+    memory_.sweep(scene, seen, maxFrequency());
 }
 
 double Analyser::maxFrequency() const
@@ -216,7 +259,13 @@ bool Analyser::applySetting(const QByteArray &name, const QByteArray &argument, 
     else if (name == "db") p.dbPerDivision = whole;
     else if (name == "es") p.singleSweep = whole;
     else if (name == "kl") p.keyboardLocked = whole;
-    else if (name == "sv" || name == "rc") p.settingsMemory = whole;
+    else if (name == "sv") {
+        p.settingsMemory = whole;
+        memories_[whole] = p;
+    } else if (name == "rc") {
+        recall(memories_[whole]);
+        p.settingsMemory = whole;
+    }
     else if (name == "dm") {
         p.calculation = whole;
         if (whole)

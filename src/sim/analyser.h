@@ -12,6 +12,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
+
 class Analyser {
 public:
     explicit Analyser(QString model = QStringLiteral("K320-A"), QString firmware = QStringLiteral("1.40"));
@@ -40,6 +42,8 @@ public:
 
     // The top of the input range in MHz, by model.
     double maxFrequency() const;
+    // Only the K320-A has a tracking generator; the others take its commands without effect.
+    bool hasTrackingGenerator() const;
 
     // Fault injection. Bytes, commands and blocks are counted from 1 since the analyser was made;
     // `received()`, `commands()` and `blocks()` tell how far the count is.
@@ -65,10 +69,13 @@ private:
     QByteArray query(const QByteArray &name) const;
     bool applySetting(const QByteArray &name, const QByteArray &argument, qint32 &newRate);
     void sendBlock(bool singleSweep, Answer &answer);
-    void sweep() { memory_.sweep(scene, panel, maxFrequency()); }
+    void sweep();
+    void recall(const SimPanel &saved);
 
     QByteArray buffer_;
     TraceMemory memory_;
+    // "#sv" saves the front into one of these, "#rc" takes it back; all start as at power-on.
+    std::array<SimPanel, kSimMemories> memories_{};
     qint64 received_ = 0;
     qint64 commands_ = 0;
     qint64 blocks_ = 0;

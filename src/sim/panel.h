@@ -1,6 +1,9 @@
 #pragma once
 // The panel as the analyser holds it.
 
+// "#sv" and "#rc" address memories 0 to 9.
+inline constexpr int kSimMemories = 10;
+
 struct SimPanel {
     double centerFrequency = 500.0;
     double refLevel = -30.0;

@@ -166,6 +166,11 @@ void Scene::sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, Tra
     std::array<double, kTracePoints> power = steady_;
     for (const Varying &v : varying_)
         power[v.point - 1] += v.power * envelope(emitters_[v.emitter], begin + v.point * duration / kTracePoints);
+    // The tracking generator, led back to the input through a cable, follows the sweep: a flat
+    // line at its level.
+    if (panel.tgOn)
+        for (double &p : power)
+            p += milliwatts(panel.tgLevel);
 
     const double spread = panel.videoFilter ? 0.6 : 2.5; // dB; the video filter smooths the noise
     const double step = panel.span / double(kTracePoints);

@@ -34,7 +34,8 @@ public:
     static std::vector<Emitter> standardEmitters();
 
     // The levels of sweep number `sweep` on `panel`: the same number gives the same noise. Only
-    // emitters up to `maxFrequency` (MHz) reach the analyser.
+    // emitters up to `maxFrequency` (MHz) reach the analyser; a tracking generator that is on
+    // adds its level at every point.
     void sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, TraceLevels &levels);
 
     // Seconds one sweep takes: longer for a wide span in a narrow bandwidth, 20 ms to 2 s.

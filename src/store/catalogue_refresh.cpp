@@ -190,6 +190,7 @@ void configurationPicked(Context &ctx, const QString &name)
     if (view.findFirst(quotedName(QStringLiteral("configname"), QStringLiteral("="), name))) {
         ctx.state.configName = name;
         ctx.state.traceFrozen = 0;
+        ctx.state.correctionOn = ctx.panel().checked(PanelCheck::Correction) ? 1 : 0;
     }
     refreshConfiguration(ctx);
     ctx.state.repaintRequest = 1;

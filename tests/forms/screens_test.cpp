@@ -1,5 +1,5 @@
-// The program as the user sees it: live traces from the simulated analyser, a stored .mes file
-// and a stored .emc run, each drawn on screen and checked for its trace colours. The window
+// The program as the user sees it: live traces from the simulated analyser, also after the front
+// moved it to another span, a stored .mes file and a stored .emc run, each drawn on screen and checked for its trace colours. The window
 // images are kept in the build folder (screenshots/) to be looked at.
 
 #include "frame_bench.h"
@@ -12,7 +12,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QRadioButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -80,9 +82,10 @@ void ScreensTest::screens_data()
     QTest::newRow("stored-mes") << "mes" << quint32(0x008000);
     QTest::newRow("stored-emc") << "emc" << quint32(0x0000FF);
     QTest::newRow("limits") << "limits" << quint32(0x008000);
+    QTest::newRow("panel") << "panel" << quint32(0x008000);
 }
 
-// The panel's lists picked as the user picks them: unit, configuration (with the correction on),
+// The panel's lists picked as the user picks them: unit, configuration with "Correction On",
 // the two limit lines ticked, and the known bands.
 void pickOverlays(FrameBench &b)
 {
@@ -93,12 +96,26 @@ void pickOverlays(FrameBench &b)
     };
     pick("DBmeasur1", QStringLiteral("dBuV/m"));
     pick("DBmeasur2", QStringLiteral("Radiated 3m"));
-    b.state().correctionOn = 1;
+    b.find<QCheckBox>(QStringLiteral("cCorrection"))->click();
     pick("detecDBCombo1", QStringLiteral("EN 55032 B 3m QP"));
     pick("detecDBCombo2", QStringLiteral("EN 55032 A 3m QP"));
     b.find<QCheckBox>(QStringLiteral("detecCheck5"))->click();
     b.find<QCheckBox>(QStringLiteral("detecCheck6"))->click();
     b.find<QCheckBox>(QStringLiteral("Check5"))->click();
+}
+
+// The front driven as the user drives it after a first Read: a centre of 240 MHz, where the
+// simulated device has a harmonic, a span of 100 MHz, and Read again.
+void driveFront(FrameBench &b)
+{
+    auto *centre = b.find<QLineEdit>(QStringLiteral("measText1"));
+    centre->selectAll();
+    QTest::keyClicks(centre, QStringLiteral("240"));
+    QTest::keyClick(centre, Qt::Key_Return);
+    b.find<QRadioButton>(QStringLiteral("ospan_3"))->click();
+    b.click("Command2");
+    QCOMPARE(b.state().chart.startFrequency, 190.0f);
+    QCOMPARE(b.state().chart.stopFrequency, 290.0f);
 }
 
 void ScreensTest::screens()
@@ -113,6 +130,8 @@ void ScreensTest::screens()
     if (source == "limits")
         pickOverlays(b);
     b.click("Command2");
+    if (source == "panel")
+        driveFront(b);
     const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
     if (source == "mes") {
         b.prompts().answerFile("Select Measurement", file);

@@ -67,6 +67,10 @@ void CommandSetTest::settingsGoOutInTheirPictures_data()
         c.state.analyser.refLevel = 0.0f;
         sendRefLevel(c);
     }) << QStringList{"#rl+00.0", "#vm0", "#rl", "#vm0"};
+    QTest::newRow("tracking level just below zero") << Operation([](Context &c) {
+        c.state.analyser.tgLevel = -0.04f;
+        sendTrackingLevel(c);
+    }) << QStringList{"#tl-00.0", "#tl"};
     QTest::newRow("memory mode 3 sends nothing") << Operation([](Context &c) {
         c.state.analyser.memoryReadMode = 3;
         sendMemoryReadMode(c);

@@ -15,6 +15,7 @@ private slots:
     void unknownOrBrokenCommandsAreRefused_data();
     void unknownOrBrokenCommandsAreRefused();
     void keyboardLockFollowsCommands();
+    void settingsMemoryKeepsTheFront();
     void lineTimeIsTenBitsAByte_data();
     void lineTimeIsTenBitsAByte();
     void replyWaitsForQuietLine();
@@ -95,6 +96,10 @@ void AnalyserSimulatorTest::unknownOrBrokenCommandsAreRefused_data()
     QTest::newRow("unknown") << QByteArray("#zz1\r") << QByteArray("ER\r");
     QTest::newRow("bad number") << QByteArray("#cfabc\r") << QByteArray("ER\r");
     QTest::newRow("bad rate") << QByteArray("#br1234\r") << QByteArray("ER\r");
+    QTest::newRow("span off the list") << QByteArray("#sp3\r") << QByteArray("ER\r");
+    QTest::newRow("attenuator between steps") << QByteArray("#at15\r") << QByteArray("ER\r");
+    QTest::newRow("read mode 5") << QByteArray("#vm5\r") << QByteArray("ER\r");
+    QTest::newRow("memory 10") << QByteArray("#sv10\r") << QByteArray("ER\r");
     QTest::newRow("store A to B") << QByteArray("#sa\r") << QByteArray("RD\r");
     QTest::newRow("noise before command") << QByteArray("x\x01#vf1\r") << QByteArray("RD\r");
     QTest::newRow("bare carriage return") << QByteArray("\r") << QByteArray();
@@ -116,6 +121,17 @@ void AnalyserSimulatorTest::keyboardLockFollowsCommands()
     QCOMPARE(a.panel.keyboardLocked, 1);
     exchange(a, "#kl0\r");
     QCOMPARE(a.panel.keyboardLocked, 0);
+}
+
+void AnalyserSimulatorTest::settingsMemoryKeepsTheFront()
+{
+    Analyser a;
+    exchange(a, "#cf0100.000\r#sp10\r#at30\r#sv3\r#cf0200.000\r#sp100\r#at0\r#rc3\r");
+    QCOMPARE(reply(a, "#cf"), QByteArray("CF100.000\r"));
+    QCOMPARE(reply(a, "#sp"), QByteArray("SP10\r"));
+    QCOMPARE(reply(a, "#at"), QByteArray("AT30\r"));
+    exchange(a, "#rc0\r"); // a memory never saved holds the front of power-on
+    QCOMPARE(reply(a, "#cf"), QByteArray("CF500.000\r"));
 }
 
 void AnalyserSimulatorTest::lineTimeIsTenBitsAByte_data()

@@ -31,6 +31,8 @@ private slots:
     void noiseFloorFollowsBandwidthAndAttenuator();
     void zeroSpanShowsTheTimeSignal_data();
     void zeroSpanShowsTheTimeSignal();
+    void trackingGeneratorShowsOnItsModel_data();
+    void trackingGeneratorShowsOnItsModel();
 };
 
 void AnalyserSceneTest::carrierLandsOnItsByte_data()
@@ -129,6 +131,29 @@ void AnalyserSceneTest::zeroSpanShowsTheTimeSignal()
     }
     const double peakOverMean = (peak - sum / kTracePoints) * a.panel.dbPerDivision / 25.0;
     QVERIFY2(peakOverMean >= least && peakOverMean <= most, qPrintable(QString::number(peakOverMean)));
+}
+
+
+void AnalyserSceneTest::trackingGeneratorShowsOnItsModel_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<bool>("shown");
+    QTest::newRow("K320-A") << "K320-A" << true;
+    QTest::newRow("K550-B has none") << "K550-B" << false;
+}
+
+// The generator led to the input gives a flat line at its level over the whole span.
+void AnalyserSceneTest::trackingGeneratorShowsOnItsModel()
+{
+    QFETCH(QString, model);
+    QFETCH(bool, shown);
+    Analyser a(model);
+    const QByteArray block = blockAfter(a, {"#cf0600.000", "#sp1000", "#tg1", "#tl-25.0"});
+    const double median = medianLevel(a.panel, block);
+    if (shown)
+        QVERIFY2(std::abs(median + 25.0) < 1.0, qPrintable(QString::number(median)));
+    else
+        QVERIFY2(median < -60.0, qPrintable(QString::number(median)));
 }
 
 QTEST_GUILESS_MAIN(AnalyserSceneTest)
