@@ -25,8 +25,11 @@ public:
     virtual void setForeColour(quint32 colour) = 0;
     // Text with its top left corner at the text position.
     virtual void print(const QString &text) = 0;
+    // How wide `text` would be printed, in user units of x.
+    virtual double textWidth(const QString &text) const = 0;
 
-    // Size of the surface in pixels.
+    // Size of the surface in pixels (device-independent: on a screen at 200 % a pixel here is two
+    // of the screen's, and lines and text keep their size).
     virtual int pixelWidth() const = 0;
     virtual int pixelHeight() const = 0;
 };

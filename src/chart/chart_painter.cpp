@@ -65,10 +65,36 @@ QString frequencyLabelText(float f, bool zeroSpan)
 ChartPainter::ChartPainter(Context &ctx, Canvas &picture1, Canvas &picture2, Canvas &picture3,
                            GrafikControls &controls)
     : ctx_(ctx), picture1_(picture1), picture2_(picture2), picture3_(picture3), controls_(controls),
-      overlays_(ctx, *this)
+      overlays_(ctx, *this), cursors_(ctx, *this, controls)
 {
     hooks.paintKnownBands = [this] { overlays_.paintKnownBands(); };
     hooks.paintLimitLines = [this] { return overlays_.paintLimitLines(); };
+    hooks.paintCursors = [this] { cursors_.paintCursors(); };
+}
+
+ShownWindow::ShownWindow(ChartView &view)
+    : realStart(view.startFrequency), realStop(view.stopFrequency), view_(view)
+{
+    if (!view.zoomOn)
+        return;
+    if (view.zoomStart > view.startFrequency)
+        view.startFrequency = view.zoomStart;
+    else
+        view.zoomStart = view.startFrequency;
+    if (view.zoomStart + view.zoomSpan < view.stopFrequency) {
+        view.stopFrequency = view.zoomStart + view.zoomSpan;
+    } else {
+        view.zoomStart = view.stopFrequency - view.zoomSpan;
+        view.startFrequency = view.zoomStart;
+    }
+}
+
+ShownWindow::~ShownWindow()
+{
+    if (view_.zoomOn) {
+        view_.startFrequency = realStart;
+        view_.stopFrequency = realStop;
+    }
 }
 
 AppState &ChartPainter::state() { return ctx_.state; }
@@ -82,39 +108,25 @@ void ChartPainter::paintChart()
     v.paintBusy = 1;
     setBusy(ctx_);
 
-    // The zoom window stands in for the real one during the paint.
-    const float realStart = v.startFrequency, realStop = v.stopFrequency;
-    if (v.zoomOn) {
-        if (v.zoomStart > v.startFrequency)
-            v.startFrequency = v.zoomStart;
-        else
-            v.zoomStart = v.startFrequency;
-        if (v.zoomStart + v.zoomSpan < v.stopFrequency) {
-            v.stopFrequency = v.zoomStart + v.zoomSpan;
-        } else {
-            v.zoomStart = v.stopFrequency - v.zoomSpan;
-            v.startFrequency = v.zoomStart;
+    {
+        // The zoom window stands in for the real one during the paint.
+        const ShownWindow shown(v);
+        sweepStart_ = shown.realStart;
+        sweepStop_ = shown.realStop;
+        for (int pass = 1;; ++pass) {
+            paintFrame();
+            picture1_.setDrawMode(Canvas::CopyPen);
+            picture1_.setDrawWidth(2);
+            if (!hooks.paintLimitLines || !hooks.paintLimitLines() || pass == kMaxPaintPasses)
+                break;
         }
-    }
-
-    for (int pass = 1;; ++pass) {
-        paintFrame();
-        picture1_.setDrawMode(Canvas::CopyPen);
-        picture1_.setDrawWidth(2);
-        if (!hooks.paintLimitLines || !hooks.paintLimitLines() || pass == kMaxPaintPasses)
-            break;
-    }
-    picture1_.setDrawWidth(1);
-    controls_.setCaption(QString());
-    paintTraces();
-    call(hooks.paintCursors);
-    call(hooks.refreshLevelmeter);
-    call(hooks.refreshPreview);
-    v.paintBusy = 0;
-
-    if (v.zoomOn) {
-        v.startFrequency = realStart;
-        v.stopFrequency = realStop;
+        picture1_.setDrawWidth(1);
+        controls_.setCaption(QString());
+        paintTraces();
+        call(hooks.paintCursors);
+        call(hooks.refreshLevelmeter);
+        call(hooks.refreshPreview);
+        v.paintBusy = 0;
     }
     controls_.setZoomControls(v.zoomOn, zoomFieldText(state(), v.zoomStart), zoomFieldText(state(), v.zoomSpan));
     controls_.setKnownBandsCheck(v.showKnownBands != 0);
@@ -127,6 +139,8 @@ void ChartPainter::paintFrame()
     ChartView &v = view();
     v.peakLevel = -1000;
     picture1_.clear();
+    v.cursorFresh = 1; // the cursors went with the picture
+    labelsEnd_ = -std::numeric_limits<double>::infinity();
     picture3_.clear();
     picture2_.clear();
     picture1_.setDrawMode(Canvas::CopyPen);
@@ -218,9 +232,14 @@ void ChartPainter::drawFrequencyLabel(float f, quint32 colour)
     if (!(x >= 0) || !std::isfinite(x))
         return;
     picture3_.line(x, 10, x, 7, colour);
+    // A text that would run into the one before it is left out; its tick stays.
+    const QString text = frequencyLabelText(f, false);
+    if (x < labelsEnd_)
+        return;
     picture3_.setForeColour(colour);
     picture3_.setTextPosition(x, 8);
-    picture3_.print(frequencyLabelText(f, false));
+    picture3_.print(text);
+    labelsEnd_ = x + picture3_.textWidth(text + QLatin1Char(' '));
 }
 
 void ChartPainter::drawLevelLabel(double y, quint32 colour)

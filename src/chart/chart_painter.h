@@ -3,6 +3,7 @@
 // pictures (plot, level labels, frequency labels), the grids and labels, and the traces,
 // live from the trace store or stored in the current measurement file.
 
+#include "chart/cursors.h"
 #include "chart/overlays.h"
 
 #include <QString>
@@ -24,6 +25,22 @@ struct ChartHooks {
     std::function<void()> paintCursors;      // over the traces
     std::function<void()> refreshLevelmeter; // after the cursors; the meter knows whether it is open
     std::function<void()> refreshPreview;    // last; the preview knows whether it is open
+};
+
+// While it lives, the zoom window stands in for the real one in startFrequency and
+// stopFrequency (a zoom that runs past the stop is pulled back to end there); the real window
+// comes back when it ends.
+class ShownWindow {
+public:
+    explicit ShownWindow(ChartView &view);
+    ~ShownWindow();
+    ShownWindow(const ShownWindow &) = delete;
+    ShownWindow &operator=(const ShownWindow &) = delete;
+
+    const float realStart, realStop;
+
+private:
+    ChartView &view_;
 };
 
 class ChartPainter {
@@ -52,6 +69,7 @@ public:
     Canvas &picture1() { return picture1_; }
     Canvas &picture2() { return picture2_; }
     Canvas &picture3() { return picture3_; }
+    ChartCursors &cursors() { return cursors_; }
 
     ChartHooks hooks;
 
@@ -79,6 +97,11 @@ private:
     Canvas &picture3_;
     GrafikControls &controls_;
     ChartOverlays overlays_;
+    ChartCursors cursors_;
+    // The real window while the zoom stands in for it: the live sweep lies on it.
+    float sweepStart_ = 0.0f, sweepStop_ = 0.0f;
+    // Right end of the last frequency label printed in this paint, in x units of Picture3.
+    double labelsEnd_ = 0.0;
 };
 
 // A number in a picture of `#` (optional digit) and `0` (digit), one optional point and a

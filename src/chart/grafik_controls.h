@@ -5,6 +5,11 @@
 
 #include <QString>
 
+// The readouts of the cursors: frequency and level under A and under B, and their distance.
+struct CursorReadouts {
+    QString freqa, leva, freqb, levb, freqab, levab;
+};
+
 class GrafikControls {
 public:
     virtual ~GrafikControls() = default;
@@ -37,6 +42,7 @@ public:
     virtual void setKnownBandsCheck(bool ticked) { knownBandsTicked = ticked; }
     // Third caption of the trace selection row: "Mem B" in normal mode, "Sweep" in EMC mode.
     virtual void setMemoryTraceCaption(const QString &text) { memoryTraceCaption = text; }
+    virtual void setCursorReadouts(const CursorReadouts &texts) { readouts = texts; }
 
     QString caption;
     bool logAxisEnabled = true;
@@ -49,4 +55,5 @@ public:
     QString zoomStartText, zoomSpanText;
     bool knownBandsTicked = false;
     QString memoryTraceCaption = QStringLiteral("Mem B");
+    CursorReadouts readouts;
 };

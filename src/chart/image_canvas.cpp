@@ -42,9 +42,9 @@ bool finite(QPointF p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
 QColor bgrColour(quint32 bgr) { return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
 
-ImageCanvas::ImageCanvas(int width, int height)
+ImageCanvas::ImageCanvas(int width, int height, qreal pixelRatio)
 {
-    resize(width, height);
+    resize(width, height, pixelRatio);
 }
 
 ImageCanvas::~ImageCanvas()
@@ -53,11 +53,15 @@ ImageCanvas::~ImageCanvas()
         painter_.end();
 }
 
-void ImageCanvas::resize(int width, int height)
+void ImageCanvas::resize(int width, int height, qreal pixelRatio)
 {
     if (painter_.isActive())
         painter_.end();
-    image_ = QImage(std::max(1, width), std::max(1, height), QImage::Format_RGB32);
+    const qreal ratio = pixelRatio > 0 ? pixelRatio : 1.0;
+    size_ = QSize(std::max(1, width), std::max(1, height));
+    image_ = QImage(int(std::ceil(size_.width() * ratio)), int(std::ceil(size_.height() * ratio)),
+                    QImage::Format_RGB32);
+    image_.setDevicePixelRatio(ratio);
     image_.fill(Qt::white);
     beginPainting();
     setScale(scaleLeft_, scaleTop_, scaleWidth_, scaleHeight_);
@@ -80,7 +84,7 @@ void ImageCanvas::clear()
 {
     const auto composition = painter_.compositionMode();
     painter_.setCompositionMode(QPainter::CompositionMode_Source);
-    painter_.fillRect(image_.rect(), Qt::white);
+    painter_.fillRect(QRectF(QPointF(0, 0), image_.deviceIndependentSize()), Qt::white);
     painter_.setCompositionMode(composition);
     textX_ = scaleLeft_;
     textY_ = scaleTop_;
@@ -93,8 +97,8 @@ void ImageCanvas::setScale(double left, double top, double width, double height)
     scaleWidth_ = width;
     scaleHeight_ = height;
     // A zero extent leaves every point at infinity: nothing is drawn until the scale is valid.
-    scaleX_ = image_.width() / width;
-    scaleY_ = image_.height() / height;
+    scaleX_ = size_.width() / width;
+    scaleY_ = size_.height() / height;
 }
 
 void ImageCanvas::setDrawMode(int mode)
@@ -138,8 +142,7 @@ void ImageCanvas::line(double x1, double y1, double x2, double y2, quint32 colou
     if (!finite(a) || !finite(b))
         return;
     // Far-off ends are cut here, so the rasteriser only ever sees coordinates near the image.
-    if (!clipLine(a, b, -kClipMargin, -kClipMargin, image_.width() + kClipMargin,
-                  image_.height() + kClipMargin))
+    if (!clipLine(a, b, -kClipMargin, -kClipMargin, size_.width() + kClipMargin, size_.height() + kClipMargin))
         return;
     applyPen(colour);
     painter_.drawLine(a, b);
@@ -150,8 +153,8 @@ void ImageCanvas::box(double x1, double y1, double x2, double y2, quint32 colour
     const QPointF a = toPixel(x1, y1), b = toPixel(x2, y2);
     if (!finite(a) || !finite(b))
         return;
-    const QRectF bounds(-kClipMargin, -kClipMargin, image_.width() + 2 * kClipMargin,
-                        image_.height() + 2 * kClipMargin);
+    const QRectF bounds(-kClipMargin, -kClipMargin, size_.width() + 2 * kClipMargin,
+                        size_.height() + 2 * kClipMargin);
     const QRectF rect = QRectF(a, b).normalized().intersected(bounds);
     if (!rect.isEmpty())
         painter_.fillRect(rect, bgrColour(colour));
@@ -173,4 +176,9 @@ void ImageCanvas::print(const QString &text)
     penValid_ = false;
     painter_.setPen(bgrColour(foreColour_));
     painter_.drawText(QPointF(at.x(), at.y() + painter_.fontMetrics().ascent()), text);
+}
+
+double ImageCanvas::textWidth(const QString &text) const
+{
+    return painter_.fontMetrics().horizontalAdvance(text) / std::abs(scaleX_);
 }

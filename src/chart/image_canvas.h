@@ -1,6 +1,8 @@
 #pragma once
 // The on-screen drawing surface: a white RGB32 image with one painter kept open across all
 // operations. User coordinates map to pixels by setScale; pens have no antialiasing.
+// The image holds the screen's pixels: at a pixel ratio of 2 it has twice the pixels each way,
+// and the painter draws lines and text at the size they have at 1, with the finer pixels.
 
 #include "chart/canvas.h"
 
@@ -10,13 +12,15 @@
 
 class ImageCanvas : public Canvas {
 public:
-    explicit ImageCanvas(int width = 1, int height = 1);
+    explicit ImageCanvas(int width = 1, int height = 1, qreal pixelRatio = 1.0);
     ~ImageCanvas() override;
     ImageCanvas(const ImageCanvas &) = delete;
     ImageCanvas &operator=(const ImageCanvas &) = delete;
 
-    // A new blank image of the given pixel size; scale, pen and text position are kept.
-    void resize(int width, int height);
+    // A new blank image of the given size in device-independent pixels at the screen's pixel
+    // ratio; scale, pen and text position are kept.
+    void resize(int width, int height, qreal pixelRatio = 1.0);
+    qreal pixelRatio() const { return image_.devicePixelRatio(); }
     // What has been drawn so far: the raster painter writes straight into the image.
     const QImage &image() const { return image_; }
 
@@ -30,8 +34,9 @@ public:
     void setTextPosition(double x, double y) override;
     void setForeColour(quint32 colour) override;
     void print(const QString &text) override;
-    int pixelWidth() const override { return image_.width(); }
-    int pixelHeight() const override { return image_.height(); }
+    double textWidth(const QString &text) const override;
+    int pixelWidth() const override { return size_.width(); }
+    int pixelHeight() const override { return size_.height(); }
 
 private:
     void beginPainting();
@@ -39,6 +44,7 @@ private:
     QPointF toPixel(double x, double y) const;
 
     QImage image_;
+    QSize size_; // in device-independent pixels
     QPainter painter_;
     int mode_ = CopyPen;
     int width_ = 1;

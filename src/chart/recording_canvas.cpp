@@ -1,6 +1,7 @@
 #include "chart/recording_canvas.h"
 
 #include <QStringList>
+#include <algorithm>
 
 RecordingCanvas::RecordingCanvas(int pixelWidth, int pixelHeight)
     : pixelWidth_(pixelWidth), pixelHeight_(pixelHeight)
@@ -106,4 +107,9 @@ void RecordingCanvas::setForeColour(quint32 colour)
 void RecordingCanvas::print(const QString &text)
 {
     record(Op::Print, textX, textY, 0, 0, foreColour, text);
+}
+
+double RecordingCanvas::textWidth(const QString &text) const
+{
+    return double(text.size()) * kCharPixels * scaleWidth / std::max(1, pixelWidth_);
 }

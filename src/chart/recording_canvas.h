@@ -44,6 +44,9 @@ public:
     void setTextPosition(double x, double y) override;
     void setForeColour(quint32 colour) override;
     void print(const QString &text) override;
+    // Every character is taken as kCharPixels wide.
+    double textWidth(const QString &text) const override;
+    static constexpr int kCharPixels = 7;
     int pixelWidth() const override { return pixelWidth_; }
     int pixelHeight() const override { return pixelHeight_; }
 

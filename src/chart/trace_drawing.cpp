@@ -67,14 +67,20 @@ void ChartPainter::paintLiveSweep()
     ChartView &v = s.chart;
     const QList<LiveTrace> traces = liveTraces(s);
     const int n = livePointCount(s);
+    // The sweep lies on the analyser's window, also while the zoom shows a part of it: each point
+    // is drawn at its true frequency, and only the points in the zoom window count for the peak.
     // The step divides by the number of points, so the last point falls one step short of the stop.
-    const float step = (v.stopFrequency - v.startFrequency) / s.pointCount;
+    const float step = (sweepStop_ - sweepStart_) / s.pointCount;
     for (int i = 2; i <= n; ++i) {
-        const float f1 = v.startFrequency + step * (i - 2);
-        const float f2 = v.startFrequency + step * (i - 1);
+        const float f1 = sweepStart_ + step * (i - 2);
+        const float f2 = sweepStart_ + step * (i - 1);
+        if (f1 > v.stopFrequency)
+            break;
+        const bool shown = f2 >= v.startFrequency && f2 <= v.stopFrequency;
         for (const LiveTrace &trace : traces) {
             drawSegment(f1, trace.levels[i - 1], f2, trace.levels[i], trace.colour);
-            notePeak(v, trace.levels[i], f2);
+            if (shown)
+                notePeak(v, trace.levels[i], f2);
         }
     }
 }

@@ -73,8 +73,17 @@ struct ChartView {
     quint8 thinFactor = 20;
     float peakFrequency = 0.0f;
     qint16 peakLevel = -1000;
-    qint32 cursorAX = 100000;
+    qint32 cursorAX = 100000; // cursors in canvas units: x 0..1000000, y in level counts
     qint32 cursorBX = 200000;
+    qint32 cursorAY = 0;
+    qint32 cursorBY = 0;
+    qint32 cursorAOldX = 0, cursorAOldY = 0, cursorBOldX = 0, cursorBOldY = 0; // where each was last drawn
+    quint8 cursorFresh = 1;    // 1 after a paint cleared Picture1: nothing to erase
+    quint8 cursorGrabbed = 0;  // 0 none, 1 A, 2 B while the left button is held
+    quint8 cursorsActive = 1;  // 1 when the mouse may move the cursors
+    float cursorAFrequency = 0.0f; // the last readout of A: MHz, and the level in the shown unit
+    float cursorALevel = 0.0f;
+    QString savedCaption;      // the form's caption while a band name stands in its place
 };
 
 // Window geometry kept in setting.def, in twips.

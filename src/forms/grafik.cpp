@@ -124,6 +124,11 @@ private:
     QScrollArea *front_;
 };
 
+int mouseButtons(Qt::MouseButtons buttons)
+{
+    return (buttons & Qt::LeftButton ? LeftButton : NoButton) | (buttons & Qt::RightButton ? RightButton : NoButton);
+}
+
 } // namespace
 
 CanvasView::CanvasView(const char *name, Context &ctx, QWidget *parent) : QWidget(parent), ctx_(ctx)
@@ -134,16 +139,29 @@ CanvasView::CanvasView(const char *name, Context &ctx, QWidget *parent) : QWidge
 
 void CanvasView::paintEvent(QPaintEvent *)
 {
+    // On a screen of another pixel ratio the picture is drawn anew at that ratio.
+    if (canvas_.pixelRatio() != devicePixelRatioF())
+        fitCanvas();
     QPainter painter(this);
-    // Until the next paint of the chart a resized picture shows its last image stretched.
     painter.drawImage(rect(), canvas_.image());
 }
 
-void CanvasView::resizeEvent(QResizeEvent *)
+void CanvasView::resizeEvent(QResizeEvent *) { fitCanvas(); }
+
+void CanvasView::fitCanvas()
 {
-    canvas_.resize(qMax(1, width()), qMax(1, height()));
+    canvas_.resize(qMax(1, width()), qMax(1, height()), devicePixelRatioF());
     ctx_.state.repaintRequest = 1;
 }
+
+void CanvasView::mouseMoveEvent(QMouseEvent *event) { emit mouseMoved(mouseButtons(event->buttons()), event->position()); }
+
+void CanvasView::mousePressEvent(QMouseEvent *event)
+{
+    emit mousePressed(mouseButtons(event->button()), event->position());
+}
+
+void CanvasView::mouseDoubleClickEvent(QMouseEvent *) { emit doubleClicked(); }
 
 GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     : QWidget(parent),
@@ -172,6 +190,7 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     layout->addWidget(grtab_, 1);
     frame1_ = buildEmcFrame();
     layout->addWidget(frame1_);
+    connectCursors();
     showLegendColours();
     applyMode(false);
 }
@@ -184,6 +203,7 @@ QWidget *GrafikForm::buildMeasurementTab()
     column->setContentsMargins(6, 0, 0, 0);
     column->addWidget(buildLegend());
     column->addWidget(buildChartControls());
+    column->addWidget(buildCursorReadouts());
     column->addStretch(1);
     return new MeasurementPage(picture1_, picture2_, picture3_, panel, panel_->front(), grtab_);
 }
@@ -276,6 +296,60 @@ QWidget *GrafikForm::buildChartControls()
     return box;
 }
 
+QWidget *GrafikForm::buildCursorReadouts()
+{
+    auto *box = new QWidget;
+    auto *grid = new QGridLayout(box);
+    grid->setContentsMargins(0, 8, 0, 0);
+    grid->setVerticalSpacing(1);
+    const char *names[] = {"freqa", "leva", "freqb", "levb", "freqab", "levab"};
+    const char *rows[] = {"A", "B", "A-B"};
+    for (int row = 0; row < 3; ++row) {
+        grid->addWidget(new QLabel(QLatin1String(rows[row]), box), row, 0);
+        for (int column = 0; column < 2; ++column) {
+            QLabel *&readout = readouts_[row * 2 + column];
+            readout = label(names[row * 2 + column], QString(), box);
+            readout->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            grid->addWidget(readout, row, column + 1);
+        }
+    }
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(2, 1);
+    return box;
+}
+
+void GrafikForm::connectCursors()
+{
+    ChartCursors &cursors = painter_.cursors();
+    picture1_->setMouseTracking(true);
+    picture1_->setCursor(Qt::CrossCursor);
+    connect(picture1_, &CanvasView::mouseMoved, this, [this, &cursors](int buttons, QPointF position) {
+        const QPointF at = plotPoint(position);
+        const MousePointer pointer = cursors.mouseMove(buttons, at.x(), at.y());
+        if (pointer != MousePointer::Keep)
+            picture1_->setCursor(pointer == MousePointer::Grip ? Qt::SizeAllCursor : Qt::CrossCursor);
+        picture1_->update();
+    });
+    connect(picture1_, &CanvasView::mousePressed, this,
+            [this, &cursors](int button, QPointF position) { cursors.mouseDown(button, plotPoint(position).x()); });
+    connect(picture1_, &CanvasView::doubleClicked, this, [&cursors] { cursors.doubleClicked(); });
+    const std::array<void (ChartCursors::*)(), 3> commands = {&ChartCursors::peakClicked, &ChartCursors::centreClicked,
+                                                              &ChartCursors::doubleCentreClicked};
+    for (int i = 0; i < 3; ++i)
+        connect(cursorCommands_[i], &QPushButton::clicked, this, [this, &cursors, command = commands[i]] {
+            (cursors.*command)();
+            picture1_->update();
+        });
+}
+
+// A position on Picture1 in its user coordinates: x 0..1000000, y in level counts.
+QPointF GrafikForm::plotPoint(QPointF position) const
+{
+    const ChartView &v = ctx_.state.chart;
+    return {position.x() * 1000000.0 / qMax(1, picture1_->width()),
+            v.grafikMax + position.y() * (double(v.grafikMin) - v.grafikMax) / qMax(1, picture1_->height())};
+}
+
 QFrame *GrafikForm::buildEmcFrame()
 {
     auto *frame = named(new QFrame(this), "Frame1");
@@ -350,6 +424,10 @@ void GrafikForm::showLegendColours()
     for (int i = 0; i < int(legend_.size()); ++i)
         legend_[i]->setStyleSheet(QStringLiteral("color: %1").arg(
             screenColour(ctx_.state.screenColours[kLegend[i].colour]).name()));
+    // The readouts of A and of B in their cursor's colour.
+    for (int i = 0; i < 4; ++i)
+        readouts_[i]->setStyleSheet(QStringLiteral("color: %1").arg(
+            screenColour(ctx_.state.screenColours[i < 2 ? CursorAColour : CursorBColour]).name()));
 }
 
 void GrafikForm::paintChart()
@@ -446,6 +524,14 @@ void GrafikForm::setKnownBandsCheck(bool ticked)
 {
     GrafikControls::setKnownBandsCheck(ticked);
     check5_->setChecked(ticked);
+}
+
+void GrafikForm::setCursorReadouts(const CursorReadouts &texts)
+{
+    GrafikControls::setCursorReadouts(texts);
+    const QString values[] = {texts.freqa, texts.leva, texts.freqb, texts.levb, texts.freqab, texts.levab};
+    for (int i = 0; i < int(readouts_.size()); ++i)
+        readouts_[i]->setText(values[i]);
 }
 
 void GrafikForm::setMemoryTraceCaption(const QString &text)

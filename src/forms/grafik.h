@@ -20,7 +20,8 @@ class QLineEdit;
 class QPushButton;
 class QTabWidget;
 
-// One picture of the chart: shows its canvas, and asks for a repaint when its size changes.
+// One picture of the chart: shows its canvas at the screen's pixel ratio, asks for a repaint
+// when its size or its screen changes, and hands on the mouse.
 class CanvasView : public QWidget {
     Q_OBJECT
 public:
@@ -28,13 +29,21 @@ public:
     ImageCanvas &canvas() { return canvas_; }
 
 signals:
-    void clicked();
+    // The position in pixels of the widget; buttons as MouseButton flags.
+    void mouseMoved(int buttons, QPointF position);
+    void mousePressed(int button, QPointF position);
+    void doubleClicked();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
+    void fitCanvas();
+
     Context &ctx_;
     ImageCanvas canvas_;
 };
@@ -63,11 +72,16 @@ public:
     void setZoomControls(bool ticked, const QString &start, const QString &span) override;
     void setKnownBandsCheck(bool ticked) override;
     void setMemoryTraceCaption(const QString &text) override;
+    void setCursorReadouts(const CursorReadouts &texts) override;
 
 private:
     QWidget *buildMeasurementTab();
     QWidget *buildLegend();
     QWidget *buildChartControls();
+    QWidget *buildCursorReadouts();
+    // Picture1's mouse: the cursors, the band name, the double click.
+    void connectCursors();
+    QPointF plotPoint(QPointF position) const;
     QFrame *buildEmcFrame();
     QFrame *placeholderPage(const char *frameName, const char *labelName, QWidget **label,
                             QWidget *content = nullptr);
@@ -100,6 +114,7 @@ private:
     QPushButton *zoomRight_ = nullptr;
     bool zoomStartByEnter_ = false;
     std::array<QPushButton *, 3> cursorCommands_{};
+    std::array<QLabel *, 6> readouts_{}; // freqa, leva, freqb, levb, freqab, levab
     QFrame *frame1_ = nullptr;
     GrafikPanel *panel_ = nullptr;
     GrafikEquipment *equipment_ = nullptr;

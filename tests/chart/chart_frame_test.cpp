@@ -23,6 +23,9 @@ private slots:
     void paintOrderGuards();
     void pictures();
     void imageCanvas();
+    void labelsNeverOverlap_data();
+    void labelsNeverOverlap();
+    void imageCanvasAtPixelRatio2();
 };
 
 void ChartFrameTest::linearGrid_data()
@@ -343,6 +346,63 @@ void ChartFrameTest::imageCanvas()
     QCOMPARE(canvas.image().pixel(50, 45), QColor(Qt::white).rgb());
     canvas.resize(200, 20);
     QCOMPARE(canvas.image().size(), QSize(200, 20));
+}
+
+void ChartFrameTest::labelsNeverOverlap_data()
+{
+    QTest::addColumn<float>("start");
+    QTest::addColumn<float>("stop");
+    QTest::addColumn<bool>("log");
+    QTest::addColumn<int>("width"); // pixels of Picture1 and Picture3
+    QTest::addColumn<int>("printed");
+    QTest::newRow("lin 0 to 1000, wide") << 0.f << 1000.f << false << 1000 << 11;
+    QTest::newRow("lin 0 to 1000, narrow") << 0.f << 1000.f << false << 400 << 6;
+    QTest::newRow("lin 0.1 to 0.7") << 0.1f << 0.7f << false << 500 << 11;
+    QTest::newRow("log 0 to 1000") << 0.f << 1000.f << true << 600 << 7;
+    QTest::newRow("log 1 to 1000") << 1.f << 1000.f << true << 300 << 4;
+    QTest::newRow("log 30 to 3000") << 30.f << 3000.f << true << 600 << 4;
+}
+
+// Each label keeps clear of the next one; one that would run into it is left out, its tick stays.
+void ChartFrameTest::labelsNeverOverlap()
+{
+    QFETCH(int, width);
+    ChartFixture f;
+    f.picture1.setPixelSize(width, 500);
+    f.picture3.setPixelSize(width, 30);
+    f.view().startFrequency = fetched<float>("start");
+    f.view().stopFrequency = fetched<float>("stop");
+    f.view().logAxis = fetched<bool>("log") ? 1 : 0;
+    f.paint();
+    const QList<Operation> texts = f.picture3.texts();
+    for (int i = 1; i < texts.size(); ++i)
+        QVERIFY2(texts[i - 1].x1 + f.picture3.textWidth(texts[i - 1].text) < texts[i].x1,
+                 qPrintable(texts[i - 1].text + QLatin1Char(' ') + texts[i].text));
+    QCOMPARE(texts.size(), fetched<int>("printed"));
+    QVERIFY(f.picture3.lines(5).size() >= texts.size());
+}
+
+// At a pixel ratio of 2 the image has twice the pixels each way; the user sees lines and text at
+// their size at 1, drawn with the finer pixels.
+void ChartFrameTest::imageCanvasAtPixelRatio2()
+{
+    ImageCanvas one(100, 50), two(100, 50, 2.0);
+    QCOMPARE(two.image().size(), QSize(200, 100));
+    QCOMPARE((QList<int>{two.pixelWidth(), two.pixelHeight()}), (QList<int>{100, 50}));
+    for (ImageCanvas *canvas : {&one, &two}) {
+        canvas->setScale(0, 10, 100, -10);
+        canvas->line(0, 5, 100, 5, 0x0000FF); // a 1-pixel line at y = 25
+    }
+    QList<int> rows;
+    for (int y = 0; y < 100; ++y)
+        if (two.image().pixel(100, y) == QColor(Qt::red).rgb())
+            rows << y;
+    QCOMPARE(rows, (QList<int>{49, 50})); // two rows of the screen
+    QCOMPARE(two.textWidth(QStringLiteral("100.00M")), one.textWidth(QStringLiteral("100.00M")));
+    two.clear();
+    QCOMPARE(two.image().pixel(199, 99), QColor(Qt::white).rgb());
+    two.resize(30, 20, 1.5);
+    QCOMPARE(two.image().size(), QSize(45, 30));
 }
 
 QTEST_MAIN(ChartFrameTest)

@@ -12,7 +12,10 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
 #include <QMdiSubWindow>
 #include <QRadioButton>
 #include <QSqlDatabase>
@@ -83,6 +86,7 @@ void ScreensTest::screens_data()
     QTest::newRow("stored-emc") << "emc" << quint32(0x0000FF);
     QTest::newRow("limits") << "limits" << quint32(0x008000);
     QTest::newRow("panel") << "panel" << quint32(0x008000);
+    QTest::newRow("cursors") << "cursors" << quint32(0x008000);
 }
 
 // The panel's lists picked as the user picks them: unit, configuration with "Correction On",
@@ -118,6 +122,32 @@ void driveFront(FrameBench &b)
     QCOMPARE(b.state().chart.stopFrequency, 290.0f);
 }
 
+// The live chart zoomed to 200..300 MHz as the user does it; cursor A sent to the peak, cursor B
+// dragged by the mouse from its place to 265 MHz. The readouts follow.
+void zoomAndPlaceCursors(FrameBench &b)
+{
+    GrafikForm *grafik = b.frame->grafik();
+    grafik->findChild<QCheckBox *>(QStringLiteral("Check6"))->click();
+    for (const auto &[name, text] : {std::pair{"Text2", "200"}, {"Text4", "100"}}) {
+        auto *field = grafik->findChild<QLineEdit *>(QLatin1String(name));
+        field->setText(QLatin1String(text));
+        emit field->editingFinished();
+    }
+    b.state().repaintRequest = 1;
+    b.frame->timer1Tick();
+    QTest::mouseClick(grafik->findChild<QPushButton *>(QStringLiteral("Command1")), Qt::LeftButton);
+    auto *picture = grafik->findChild<CanvasView *>(QStringLiteral("Picture1"));
+    const auto mouse = [picture](QEvent::Type type, double share, Qt::MouseButton button, Qt::MouseButtons held) {
+        const QPointF at(picture->width() * share, picture->height() * 0.6);
+        QMouseEvent event(type, at, picture->mapToGlobal(at), button, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(picture, &event);
+    };
+    mouse(QEvent::MouseButtonPress, 0.205, Qt::LeftButton, Qt::LeftButton);
+    for (const double share : {0.205, 0.3, 0.5, 0.65})
+        mouse(QEvent::MouseMove, share, Qt::NoButton, Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, 0.65, Qt::LeftButton, Qt::NoButton);
+}
+
 void ScreensTest::screens()
 {
     QFETCH(QString, source);
@@ -132,6 +162,8 @@ void ScreensTest::screens()
     b.click("Command2");
     if (source == "panel")
         driveFront(b);
+    if (source == "cursors")
+        zoomAndPlaceCursors(b);
     const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
     if (source == "mes") {
         b.prompts().answerFile("Select Measurement", file);
@@ -146,8 +178,10 @@ void ScreensTest::screens()
         QCOMPARE(int(b.state().emcMode), source == "emc" ? 2 : 0);
     }
     QCoreApplication::processEvents();
-    b.state().repaintRequest = 1;
-    b.frame->timer1Tick();
+    if (source != "cursors") { // a repaint would take the cursors' readouts back to their places
+        b.state().repaintRequest = 1;
+        b.frame->timer1Tick();
+    }
 
     const QImage plot = b.frame->grafik()->findChild<CanvasView *>("Picture1")->canvas().image();
     QVERIFY2(pixelsOf(plot, traceColour) > 200, "the traces are drawn");
@@ -158,6 +192,13 @@ void ScreensTest::screens()
         QCOMPARE(b.state().unitName, QStringLiteral("dBuV/m"));
         QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the max hold limit
         QVERIFY(pixelsOf(plot, b.state().screenColours[AverageColour]) > 200); // the average limit
+    }
+    if (source == "cursors") {
+        const auto readout = [&b](const char *name) { return b.find<QLabel>(QLatin1String(name))->text(); };
+        QVERIFY(qAbs(readout("freqa").chopped(1).toDouble() - 240) < 1); // the clock's fifth harmonic
+        QCOMPARE(readout("freqb"), QStringLiteral("265.000M"));
+        QVERIFY(readout("freqab").startsWith(QStringLiteral("25.")));
+        QVERIFY(readout("leva") != QStringLiteral("---"));
     }
     QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
     b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/" + source + ".png");
