@@ -492,7 +492,9 @@ QString saveTraceMeasurement(Context &ctx)
 {
     const QString path = measurementFilePath(ctx.state);
     const QString part = path + QStringLiteral(".part");
-    const auto refusal = [&path](const QString &reason) { return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason; };
+    const auto refusal = [&path](const QString &reason) {
+        return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason;
+    };
     if (const QString obstacle = obstacleToSaving(path); !obstacle.isEmpty())
         return refusal(obstacle);
     QString failure = QStringLiteral("the file cannot be created");
