@@ -47,9 +47,7 @@ int main(int argc, char **argv)
     MainFrame frame(ctx);
     frame.show();
     loadMainFrame(ctx);
-    if (line.simulate) {
-        ctx.state.comPort = 0; // the built-in simulator
-        openStartupPort(ctx);
-    }
+    if (line.simulate)
+        startOnSimulator(ctx);
     return app.exec();
 }

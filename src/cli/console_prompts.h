@@ -10,5 +10,5 @@ public:
     std::optional<QString> openFileDialog(const FileDialogRequest &) override { return std::nullopt; }
     std::optional<QString> saveFileDialog(const FileDialogRequest &) override { return std::nullopt; }
     std::optional<quint32> colourDialog(quint32) override { return std::nullopt; }
-    bool printerSetup() override { return false; }
+    std::optional<QString> printerSetup(const QString &) override { return std::nullopt; }
 };

@@ -130,6 +130,8 @@ struct AppState {
     quint8 autosearchActive = 0;
     quint8 unitFound = 0;
     qint16 comPort = 2;
+    // The port of setting.def while a start on the simulator (port 0) stands in its place; -1 otherwise.
+    qint16 configuredComPort = -1;
     qint32 baudRate = 19200;
     quint8 serialTimeoutSeconds = 4;
     quint8 transmissionMonitorOn = 0;
@@ -220,6 +222,7 @@ struct AppState {
     QDateTime autostoreNextTime;
 
     QString headline = QStringLiteral("QUELT Instruments");
+    QString printerName; // chosen in the printer setup for this run; empty: the system's default printer
 
     ColourList screenColours = defaultColours();
     ColourList printColours = defaultColours();

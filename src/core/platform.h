@@ -42,7 +42,9 @@ public:
     virtual std::optional<QString> openFileDialog(const FileDialogRequest &request) = 0;
     virtual std::optional<QString> saveFileDialog(const FileDialogRequest &request) = 0;
     virtual std::optional<quint32> colourDialog(quint32 initial) = 0;
-    virtual bool printerSetup() = 0;
+    // The system's printer dialog, opened on `printerName` (empty: the default printer); the name of
+    // the printer chosen, nothing when the user cancels.
+    virtual std::optional<QString> printerSetup(const QString &printerName) = 0;
 };
 
 // One RS-232 port as the link uses it: polled, one byte per read.

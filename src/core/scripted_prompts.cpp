@@ -20,6 +20,11 @@ void ScriptedPrompts::answerColour(std::optional<quint32> colour)
     script_.append({Kind::Colour, {}, MsgAnswer::Ok, {}, colour});
 }
 
+void ScriptedPrompts::answerPrinter(std::optional<QString> printerName)
+{
+    script_.append({Kind::PrinterSetup, {}, MsgAnswer::Ok, std::move(printerName), {}});
+}
+
 std::optional<ScriptedPrompts::Answer> ScriptedPrompts::take(Kind kind, const QString &title)
 {
     // File dialogs of both directions share one queue.
@@ -28,7 +33,7 @@ std::optional<ScriptedPrompts::Answer> ScriptedPrompts::take(Kind kind, const QS
         return k == kind || (file(k) && file(kind));
     };
     for (int i = 0; i < script_.size(); ++i) {
-        if (sameKind(script_[i].kind) && (kind == Kind::Colour || script_[i].title == title))
+        if (sameKind(script_[i].kind) && (kind == Kind::Colour || kind == Kind::PrinterSetup || script_[i].title == title))
             return script_.takeAt(i);
     }
     unexpected.append(title);
@@ -74,10 +79,11 @@ std::optional<quint32> ScriptedPrompts::colourDialog(quint32)
     return answer ? answer->colour : std::nullopt;
 }
 
-bool ScriptedPrompts::printerSetup()
+std::optional<QString> ScriptedPrompts::printerSetup(const QString &printerName)
 {
-    shown.append({Kind::PrinterSetup, {}, {}});
-    return false;
+    shown.append({Kind::PrinterSetup, {}, printerName});
+    const auto answer = take(Kind::PrinterSetup, {});
+    return answer ? answer->text : std::nullopt;
 }
 
 QStringList ScriptedPrompts::unused() const

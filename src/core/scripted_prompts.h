@@ -22,13 +22,14 @@ public:
     void answerInput(const QString &title, const QString &text);
     void answerFile(const QString &title, std::optional<QString> path);
     void answerColour(std::optional<quint32> colour);
+    void answerPrinter(std::optional<QString> printerName);
 
     MsgAnswer messageBox(const QString &title, const QString &text, MsgButtons buttons) override;
     QString inputBox(const QString &title, const QString &prompt, const QString &defaultText) override;
     std::optional<QString> openFileDialog(const FileDialogRequest &request) override;
     std::optional<QString> saveFileDialog(const FileDialogRequest &request) override;
     std::optional<quint32> colourDialog(quint32 initial) override;
-    bool printerSetup() override;
+    std::optional<QString> printerSetup(const QString &printerName) override;
 
     QList<Shown> shown;         // every prompt, in order
     QStringList unexpected;     // prompts the script had no answer for

@@ -1,6 +1,8 @@
 #include "core/settings_file.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QStringDecoder>
 #include <QtEndian>
 
 #include <algorithm>
@@ -15,18 +17,42 @@ constexpr qint64 kFileSize = 335;
 constexpr int kPathSize = 200;
 const QString kLoadTitle = QStringLiteral("Load default settings");
 const QString kLoadText = QStringLiteral("Generate new default settings");
+const QString kExitTitle = QStringLiteral("Exit Program");
 
 QString settingsPath(const Context &ctx)
 {
     return ctx.dataFolder + QStringLiteral("/setting.def");
 }
 
-QString withoutTrailingBlanks(const QString &text)
+// A path field. Latin-1 as it always was, and UTF-8 for a name that Latin-1 cannot hold (a
+// Cyrillic home folder): bytes that are valid UTF-8 are read as such, any others as Latin-1.
+// A NUL byte names no file: no path.
+QString pathOfField(QByteArrayView field)
 {
-    qsizetype size = text.size();
-    while (size > 0 && text[size - 1] == QLatin1Char(' '))
-        --size;
-    return text.left(size);
+    while (!field.isEmpty() && field.back() == ' ')
+        field.chop(1);
+    if (field.contains('\0'))
+        return {};
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = utf8(field);
+    return utf8.hasError() ? QString::fromLatin1(field) : text;
+}
+
+QByteArray fieldOfPath(const QString &path, int size)
+{
+    QByteArray bytes = path.toLatin1();
+    if (pathOfField(bytes) != path) // not Latin-1, or Latin-1 that would read back as UTF-8
+        bytes = path.toUtf8();
+    // A path too long for its field is left out rather than cut into a different one.
+    return bytes.size() <= size ? bytes.leftJustified(size, ' ') : QByteArray(size, ' ');
+}
+
+// Only a regular file (or none yet) is setting.def: a pipe or a device in its place would block
+// the start or take a stream for settings.
+bool isNoRegularFile(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
 }
 
 // Takes fields from the bytes behind the magic; a field that the bytes do not hold whole
@@ -51,7 +77,7 @@ public:
     void text(QString &value, int size)
     {
         if (holds(size))
-            value = withoutTrailingBlanks(QString::fromLatin1(bytes_.data() + pos_, size));
+            value = pathOfField(QByteArrayView(bytes_.data() + pos_, size));
         pos_ += size;
     }
 
@@ -70,7 +96,7 @@ public:
         const T little = qToLittleEndian(value);
         bytes.append(reinterpret_cast<const char *>(&little), sizeof(T));
     }
-    void text(const QString &value, int size) { bytes.append(value.toLatin1().leftJustified(size, ' ', true)); }
+    void text(const QString &value, int size) { bytes.append(fieldOfPath(value, size)); }
 
     QByteArray bytes = kMagic;
 };
@@ -122,7 +148,8 @@ void readSettingsFile(Context &ctx)
     QFile file(settingsPath(ctx));
     // Opened for reading and writing, so a missing file is created empty and the next start
     // finds an empty file; a read-only file is still read.
-    bool taken = file.open(QIODevice::ReadWrite) || file.open(QIODevice::ReadOnly);
+    bool taken = !isNoRegularFile(file.fileName())
+                 && (file.open(QIODevice::ReadWrite) || file.open(QIODevice::ReadOnly));
     if (taken) {
         const QByteArray image = file.read(kFileSize); // empty on a read error
         taken = image.startsWith(kMagic);
@@ -139,7 +166,7 @@ void readSettingsFile(Context &ctx)
 
 void writeSettingsFile(Context &ctx)
 {
-    if (ctx.prompts.messageBox(QStringLiteral("Exit Program"), QStringLiteral("Save default settings?"),
+    if (ctx.prompts.messageBox(kExitTitle, QStringLiteral("Save default settings?"),
                                MsgButtons::YesNo)
         != MsgAnswer::Yes)
         return;
@@ -149,10 +176,12 @@ void writeSettingsFile(Context &ctx)
 
     QFile file(settingsPath(ctx));
     // Written over in place, without truncating: a longer file keeps its tail, which no reader looks at.
-    if (!file.open(QIODevice::ReadWrite)) {
-        ctx.prompts.messageBox(QString(), QString());
-        return;
-    }
-    if (file.write(writer.bytes) != writer.bytes.size() || !file.flush())
-        ctx.prompts.messageBox(QString(), QString());
+    QString failure;
+    if (isNoRegularFile(file.fileName()))
+        failure = QStringLiteral("it is no regular file");
+    else if (!file.open(QIODevice::ReadWrite) || file.write(writer.bytes) != writer.bytes.size() || !file.flush())
+        failure = file.errorString();
+    if (!failure.isEmpty())
+        ctx.prompts.messageBox(kExitTitle, QStringLiteral("Cannot save ") + file.fileName() + QStringLiteral(": ")
+                                               + failure);
 }

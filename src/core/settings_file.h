@@ -4,8 +4,10 @@
 
 #include "core/context.h"
 
-// Reads setting.def at start-up. A missing, unreadable or foreign file gives the box
-// "Load default settings" and the defaults; a short file is taken as far as it goes.
+// Reads setting.def at start-up. A missing, unreadable or foreign file, or something other than a
+// regular file in its place, gives the box "Load default settings" and the defaults; a short file
+// is taken as far as it goes.
 void readSettingsFile(Context &ctx);
-// Asks "Save default settings?" and, on Yes, writes the file with the geometry of this run.
+// Asks "Save default settings?" and, on Yes, writes the file with the geometry of this run;
+// a write that fails says so in a box naming the file and the reason.
 void writeSettingsFile(Context &ctx);

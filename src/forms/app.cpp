@@ -45,6 +45,9 @@ void loadMainFrame(Context &ctx)
 
 void unloadMainFrame(Context &ctx)
 {
+    AppState &s = ctx.state;
+    if (s.comPort == 0 && s.configuredComPort >= 0)
+        s.comPort = s.configuredComPort;
     writeSettingsFile(ctx);
     if (ctx.port.isOpen())
         ctx.port.close();
@@ -59,6 +62,13 @@ void openStartupPort(Context &ctx)
     // No unit is contacted here; a port that will not open shows only when a connect is tried.
     if (ctx.port.open())
         ctx.port.discardInput();
+}
+
+void startOnSimulator(Context &ctx)
+{
+    ctx.state.configuredComPort = ctx.state.comPort;
+    ctx.state.comPort = 0;
+    openStartupPort(ctx);
 }
 
 bool fileExists(const QString &path)

@@ -13,6 +13,9 @@ void loadMainFrame(Context &ctx);
 void unloadMainFrame(Context &ctx);
 // `comPort` opened at "4800,N,8,1" with its input emptied; a port that will not open is passed over.
 void openStartupPort(Context &ctx);
+// A start with --simulate: the built-in simulator becomes the port, and setting.def keeps the
+// configured one unless the user chooses another.
+void startOnSimulator(Context &ctx);
 // True when something (file, folder, hidden or not) is at `path`. Yields the event queue once first.
 bool fileExists(const QString &path);
 

@@ -25,6 +25,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -325,9 +326,11 @@ void MainFrame::timer4Tick()
         call(ctx_.calls.printNow);
         goLocal(ctx_);
     }
-    // The analyser left remote by its own key; it is told nothing.
+    // The analyser left remote by its own key; it is told nothing. Automatic reading ends with
+    // the link, so that a later RM does not find Timer1 still reading.
     if (input.contains("LO")) {
         s.autoReadOn = 0;
+        s.autoReading = 0;
         s.online = 0;
         setRemoteChecked(false);
         setAutoChecked(false);
@@ -497,7 +500,8 @@ void MainFrame::takeFormGeometry(FormGeometry &g)
     if (g.grafikWindowState != 0)
         return;
     const QRect r = grafikWindow_->geometry();
-    const auto twips = [](int pixels) { return qint16(qBound(0, pixels * kTwipsPerPixel, 32767)); };
+    // A window left of or above the screen keeps its negative place.
+    const auto twips = [](int pixels) { return qint16(qBound(-32768, pixels * kTwipsPerPixel, 32767)); };
     g.grafikLeft = twips(r.x());
     g.grafikTop = twips(r.y());
     g.grafikWidth = twips(r.width());
@@ -634,20 +638,28 @@ void MainFrame::saveMeasurementClicked()
     FileDialogRequest request;
     request.title = kSelectMeasurement;
     request.filter = QStringLiteral("Measurement (*.mes) |*.mes");
-    rememberedExtension_ = QStringLiteral("MES");
+    // Lower case: file names are case sensitive here, and the load dialog looks for "*.mes".
+    rememberedExtension_ = QStringLiteral("mes");
     request.defaultExtension = rememberedExtension_;
     request.flags = kSaveMeasurementFlags;
     const std::optional<QString> chosen = ctx_.prompts.saveFileDialog(request);
     if (!chosen)
         return;
     setBusy(ctx_);
+    // A name without an extension gets one, whether or not the dialog added it.
     ctx_.state.measurementFileName = *chosen;
+    if (QFileInfo(*chosen).suffix().isEmpty())
+        ctx_.state.measurementFileName += QLatin1Char('.') + rememberedExtension_;
     if (const QString failure = saveTraceMeasurement(ctx_); !failure.isEmpty())
         ctx_.prompts.messageBox(kSelectMeasurement, failure);
     clearBusy(ctx_);
 }
 
-void MainFrame::printerSetupClicked() { ctx_.prompts.printerSetup(); }
+void MainFrame::printerSetupClicked()
+{
+    if (const std::optional<QString> chosen = ctx_.prompts.printerSetup(ctx_.state.printerName))
+        ctx_.state.printerName = *chosen;
+}
 
 void MainFrame::databaseSelectionClicked()
 {

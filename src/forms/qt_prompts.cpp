@@ -2,9 +2,14 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QStandardPaths>
 
 namespace {
 
@@ -25,26 +30,6 @@ QMessageBox::StandardButtons standardButtons(MsgButtons buttons)
 
 // Overwrite prompt of a save dialog.
 constexpr int kOverwritePrompt = 0x2;
-
-std::optional<QString> runFileDialog(const FileDialogRequest &request, QFileDialog::AcceptMode mode)
-{
-    QFileDialog dialog(QApplication::activeWindow(), request.title);
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    if (mode == QFileDialog::AcceptSave && !(request.flags & kOverwritePrompt))
-        dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    const QStringList filters = nameFilters(request.filter);
-    if (!filters.isEmpty()) {
-        dialog.setNameFilters(filters);
-        dialog.selectNameFilter(filters.value(request.filterIndex - 1, filters.first()));
-    }
-    dialog.setDefaultSuffix(request.defaultExtension);
-    if (!request.fileName.isEmpty())
-        dialog.selectFile(request.fileName);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return std::nullopt;
-    return dialog.selectedFiles().first();
-}
 
 // "*.MES" -> "*.MES *.mes"
 QString bothCases(const QString &patterns)
@@ -86,6 +71,36 @@ quint32 bgrFromColour(const QColor &colour)
     return quint32(colour.red()) | quint32(colour.green()) << 8 | quint32(colour.blue()) << 16;
 }
 
+std::optional<QString> QtPrompts::runFileDialog(const FileDialogRequest &request, bool save)
+{
+    const QFileDialog::AcceptMode mode = save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen;
+    // The first dialog of a run opens in the documents (the home folder when there is none), never in
+    // the folder the program was started from.
+    if (lastFolder_.isEmpty()) {
+        lastFolder_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+        if (!QFileInfo(lastFolder_).isDir())
+            lastFolder_ = QDir::homePath();
+    }
+    QFileDialog dialog(QApplication::activeWindow(), request.title, lastFolder_);
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    if (mode == QFileDialog::AcceptSave && !(request.flags & kOverwritePrompt))
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    const QStringList filters = nameFilters(request.filter);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        dialog.selectNameFilter(filters.value(request.filterIndex - 1, filters.first()));
+    }
+    dialog.setDefaultSuffix(request.defaultExtension);
+    if (!request.fileName.isEmpty())
+        dialog.selectFile(request.fileName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    const QString chosen = dialog.selectedFiles().first();
+    lastFolder_ = QFileInfo(chosen).absolutePath();
+    return chosen;
+}
+
 MsgAnswer QtPrompts::messageBox(const QString &title, const QString &text, MsgButtons buttons)
 {
     QMessageBox box(QMessageBox::NoIcon, title, text, standardButtons(buttons), QApplication::activeWindow());
@@ -113,12 +128,12 @@ QString QtPrompts::inputBox(const QString &title, const QString &prompt, const Q
 
 std::optional<QString> QtPrompts::openFileDialog(const FileDialogRequest &request)
 {
-    return runFileDialog(request, QFileDialog::AcceptOpen);
+    return runFileDialog(request, false);
 }
 
 std::optional<QString> QtPrompts::saveFileDialog(const FileDialogRequest &request)
 {
-    return runFileDialog(request, QFileDialog::AcceptSave);
+    return runFileDialog(request, true);
 }
 
 std::optional<quint32> QtPrompts::colourDialog(quint32 initial)
@@ -129,8 +144,14 @@ std::optional<quint32> QtPrompts::colourDialog(quint32 initial)
     return bgrFromColour(chosen);
 }
 
-bool QtPrompts::printerSetup()
+std::optional<QString> QtPrompts::printerSetup(const QString &printerName)
 {
-    // No printer can be set up yet: the program has no print support so far.
-    return false;
+    QPrinter printer;
+    if (!printerName.isEmpty())
+        printer.setPrinterName(printerName);
+    QPrintDialog dialog(&printer, QApplication::activeWindow());
+    dialog.setWindowTitle(QStringLiteral("Printer setup"));
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return printer.printerName();
 }

@@ -13,7 +13,13 @@ public:
     std::optional<QString> openFileDialog(const FileDialogRequest &request) override;
     std::optional<QString> saveFileDialog(const FileDialogRequest &request) override;
     std::optional<quint32> colourDialog(quint32 initial) override;
-    bool printerSetup() override;
+    std::optional<QString> printerSetup(const QString &printerName) override;
+
+private:
+    std::optional<QString> runFileDialog(const FileDialogRequest &request, bool save);
+
+    // Where the next file dialog opens: the folder of the last file chosen in one.
+    QString lastFolder_;
 };
 
 // "Measurement (*.MES) |*.MES|EMC (*.emc) |*.emc" as file dialog filters:

@@ -54,7 +54,9 @@ const UnitModel *findUnitModel(const QString &reply)
 
 QString unitCaption(const AppState &state)
 {
-    return kTitle + QStringLiteral("       Unit:") + state.unitModel + QStringLiteral("       Firmware:")
+    // Port 0 is the built-in simulator: the caption says so, lest it be taken for an instrument.
+    const QString simulated = state.comPort == 0 ? QStringLiteral(" (simulated)") : QString();
+    return kTitle + QStringLiteral("       Unit:") + state.unitModel + simulated + QStringLiteral("       Firmware:")
            + state.firmwareVersion;
 }
 

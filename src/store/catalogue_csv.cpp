@@ -253,7 +253,7 @@ CsvOutcome writeCsvFile(QSqlDatabase db, const Catalogue &c, qint32 nr, const QS
                    .toUtf8();
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(out) != out.size() || !file.commit())
-        return refusal(path, QStringLiteral("cannot be written"));
+        return refusal(path, QStringLiteral("cannot be written: ") + file.errorString());
     return {true, {}};
 }
 

@@ -5,6 +5,7 @@
 #include "store/database.h"
 #include "store/sqlite_file.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -81,18 +82,20 @@ void addRow(DataView &view, const Row &row)
 }
 
 // Opens the file at `path`, runs `write` on it in one transaction and closes it again. False when
-// the file did not open or the transaction did not commit.
+// the file did not open or the transaction did not commit; `failure` then takes the engine's reason.
 template <typename Write>
-bool writeInOneTransaction(const QString &path, Write write)
+bool writeInOneTransaction(const QString &path, Write write, QString *failure = nullptr)
 {
     SqliteFile file(path);
     QSqlDatabase db = file.handle();
-    if (!db.isOpen() || !db.transaction())
-        return false;
-    write(db);
-    if (db.commit())
-        return true;
-    db.rollback();
+    if (db.isOpen() && db.transaction()) {
+        write(db);
+        if (db.commit())
+            return true;
+        if (failure)
+            *failure = db.lastError().databaseText();
+        db.rollback();
+    }
     return false;
 }
 
@@ -356,15 +359,30 @@ bool makeNewFile(const QString &path)
     return writeNewDatabase(path, measurementTables());
 }
 
-bool writeTraceFile(Context &ctx, const QString &path)
+bool writeTraceFile(Context &ctx, const QString &path, QString *failure = nullptr)
 {
-    return writeInOneTransaction(path, [&](QSqlDatabase db) {
-        DataView rows(db);
-        rows.setSource(QStringLiteral("select * from measurement"));
-        rows.appendRows(kTraceColumns, traceRows(ctx.state));
-        fillLimitLines(ctx, db);
-        writeSettingsRow(ctx, db, false);
-    });
+    return writeInOneTransaction(
+        path,
+        [&](QSqlDatabase db) {
+            DataView rows(db);
+            rows.setSource(QStringLiteral("select * from measurement"));
+            rows.appendRows(kTraceColumns, traceRows(ctx.state));
+            fillLimitLines(ctx, db);
+            writeSettingsRow(ctx, db, false);
+        },
+        failure);
+}
+
+// What stands against saving at `path` before anything is written; empty when nothing does.
+QString obstacleToSaving(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.absoluteDir().exists())
+        return QStringLiteral("the folder does not exist");
+    // The new file is renamed over the old one, which a read-only mark alone would not stop.
+    if (file.exists() && !(file.permissions() & QFileDevice::WriteOwner))
+        return QStringLiteral("the file is read-only");
+    return {};
 }
 
 // A measurement file open for reading, with what a read needs of its rows.
@@ -474,9 +492,15 @@ QString saveTraceMeasurement(Context &ctx)
 {
     const QString path = measurementFilePath(ctx.state);
     const QString part = path + QStringLiteral(".part");
-    if (!makeNewFile(part) || !writeTraceFile(ctx, part)) {
+    const auto refusal = [&path](const QString &reason) {
+        return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason;
+    };
+    if (const QString obstacle = obstacleToSaving(path); !obstacle.isEmpty())
+        return refusal(obstacle);
+    QString failure = QStringLiteral("the file cannot be created");
+    if (!makeNewFile(part) || !writeTraceFile(ctx, part, &failure)) {
         removeWithJournal(part);
-        return QStringLiteral("Cannot save ") + path;
+        return refusal(failure);
     }
     // A journal of the old file would be rolled into the new one.
     for (const QString &suffix : kJournalSuffixes)
@@ -484,7 +508,7 @@ QString saveTraceMeasurement(Context &ctx)
     if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(path).constData()) != 0) {
         const QString reason = QString::fromLocal8Bit(std::strerror(errno));
         QFile::remove(part);
-        return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason;
+        return refusal(reason);
     }
     return {};
 }

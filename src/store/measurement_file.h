@@ -44,7 +44,8 @@ void writeTraceMeasurement(Context &ctx);
 
 // The command's save of a .mes file: made and filled beside the file under the name + ".part",
 // then renamed into place, so that a save cut short keeps the file that was there. Empty when
-// saved, otherwise a text that names the file.
+// saved, otherwise a text that names the file and the reason (a missing folder, a read-only
+// file, a full disk).
 QString saveTraceMeasurement(Context &ctx);
 
 // Fills Limitlines and the settings row of an .emc file at the start of a run.

@@ -9,8 +9,9 @@
 #include <QTest>
 #include <QtEndian>
 
-namespace {
+#include <sys/stat.h>
 
+namespace {
 
 // Forms that report the geometry they stand at, as the main frame does at the exit.
 class FormsAt : public FrameControls {
@@ -97,6 +98,19 @@ void writeFile(const QString &path, const QByteArray &bytes)
     f.write(bytes);
 }
 
+// What stands where setting.def is looked for.
+enum class Place { Missing, File, NamedPipe, Folder };
+
+void makePlace(Place place, const QString &path, const QByteArray &bytes)
+{
+    if (place == Place::File)
+        writeFile(path, bytes);
+    else if (place == Place::NamedPipe)
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    else if (place == Place::Folder)
+        QVERIFY(QDir().mkdir(path));
+}
+
 } // namespace
 
 class SettingsFileTest : public QObject {
@@ -106,8 +120,11 @@ private slots:
     void writtenFileHasTheLayoutAndReadsBack();
     void readTakesWhatTheFileHolds_data();
     void readTakesWhatTheFileHolds();
+    void pathsComeBackUnchanged_data();
+    void pathsComeBackUnchanged();
     void answeringNoLeavesTheFile();
-    void unwritableFileGivesEmptyBox();
+    void failedWriteNamesFileAndReason_data();
+    void failedWriteNamesFileAndReason();
 };
 
 void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
@@ -119,8 +136,8 @@ void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
     Fixture out(dir.path());
     FormsAt forms;
     out.ctx.attachFrame(&forms);
-    // Port 5 after a search without result is written like any other; the path is Latin-1.
-    setStateOfImage(out.ctx.state, forms.geometry, 5, 115200, QString::fromLatin1("/home/j\xF6rg/default.sqlite"));
+    // Port 5 after a search without result is written like any other; a Latin-1 path in Latin-1.
+    setStateOfImage(out.ctx.state, forms.geometry, 5, 115200, "/home/j\u00F6rg/default.sqlite");
     out.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
     writeSettingsFile(out.ctx);
 
@@ -152,7 +169,7 @@ void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
 
 void SettingsFileTest::readTakesWhatTheFileHolds_data()
 {
-    QTest::addColumn<bool>("exists");
+    QTest::addColumn<Place>("place");
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("box");
     QTest::addColumn<qint16>("comPort");
@@ -167,27 +184,30 @@ void SettingsFileTest::readTakesWhatTheFileHolds_data()
     const quint32 fileGrid = 0x010203u * GridColour;
     // Before each read the state holds comPort 3, baudRate 4800, emcMode 0, the path "before"
     // and grafikWidth 100, so "left as it was" shows.
-    QTest::newRow("missing") << false << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+    QTest::newRow("missing") << Place::Missing << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
                              << qint16(7200) << defaultGrid;
-    QTest::newRow("empty") << true << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+    QTest::newRow("empty") << Place::File << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
                            << qint16(7200) << defaultGrid;
-    QTest::newRow("shorter than the magic") << true << QByteArray("def0") << true << qint16(2) << 19200
-                                            << quint8(0) << "*" << qint16(7200) << defaultGrid;
-    QTest::newRow("foreign magic") << true << handBuiltImage("def03", 4, 38400, "/data/x.sqlite") << true
+    QTest::newRow("foreign magic") << Place::File << handBuiltImage("def03", 4, 38400, "/data/x.sqlite") << true
                                    << qint16(2) << 19200 << quint8(0) << "*" << qint16(7200) << defaultGrid;
-    QTest::newRow("short, ends inside baudRate") << true << good.left(27) << false << qint16(4) << 4800
+    QTest::newRow("short, ends inside baudRate") << Place::File << good.left(27) << false << qint16(4) << 4800
                                                  << quint8(2) << "before" << qint16(9000) << defaultGrid;
-    QTest::newRow("short, ends inside the colours") << true << good.left(243) << false << qint16(4) << 38400
+    QTest::newRow("short, ends inside the colours") << Place::File << good.left(243) << false << qint16(4) << 38400
                                                     << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
-    QTest::newRow("whole") << true << good << false << qint16(4) << 38400 << quint8(2) << "/data/x.sqlite"
+    QTest::newRow("whole") << Place::File << good << false << qint16(4) << 38400 << quint8(2) << "/data/x.sqlite"
                            << qint16(9000) << fileGrid;
-    QTest::newRow("longer, tail ignored") << true << good + QByteArray(1000, '\xFF') << false << qint16(4) << 38400
+    QTest::newRow("longer, tail ignored") << Place::File << good + QByteArray(1000, '\xFF') << false << qint16(4) << 38400
                                           << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
+    // A pipe would block the start for ever; a folder cannot be read.
+    QTest::newRow("named pipe") << Place::NamedPipe << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+                                << qint16(7200) << defaultGrid;
+    QTest::newRow("folder") << Place::Folder << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
+                            << qint16(7200) << defaultGrid;
 }
 
 void SettingsFileTest::readTakesWhatTheFileHolds()
 {
-    QFETCH(bool, exists);
+    QFETCH(Place, place);
     QFETCH(QByteArray, bytes);
     QFETCH(bool, box);
     QFETCH(qint16, comPort);
@@ -199,8 +219,7 @@ void SettingsFileTest::readTakesWhatTheFileHolds()
 
     QTemporaryDir dir;
     const QString file = dir.filePath("setting.def");
-    if (exists)
-        writeFile(file, bytes);
+    makePlace(place, file, bytes);
     Fixture f(dir.path());
     AppState &s = f.ctx.state;
     s.comPort = 3;
@@ -217,7 +236,8 @@ void SettingsFileTest::readTakesWhatTheFileHolds()
     QCOMPARE(s.geometry.grafikWidth, grafikWidth);
     QCOMPARE(s.screenColours[GridColour], gridColour);
     // A missing file is created empty by the read, so the next start finds an empty file.
-    QCOMPARE(contents(file), exists ? bytes : QByteArray());
+    if (place == Place::Missing || place == Place::File)
+        QCOMPARE(contents(file), bytes);
 }
 
 void SettingsFileTest::answeringNoLeavesTheFile()
@@ -234,16 +254,67 @@ void SettingsFileTest::answeringNoLeavesTheFile()
     QCOMPARE(forms.asked, 0);
 }
 
-void SettingsFileTest::unwritableFileGivesEmptyBox()
+void SettingsFileTest::failedWriteNamesFileAndReason_data()
 {
+    QTest::addColumn<Place>("place");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("reason");
+    // Writing into a pipe would pass for a save.
+    QTest::newRow("named pipe in its place") << Place::NamedPipe << "" << "it is no regular file";
+    QTest::newRow("data folder gone") << Place::Missing << "/gone" << "No such file or directory";
+}
+
+void SettingsFileTest::failedWriteNamesFileAndReason()
+{
+    QFETCH(Place, place);
+    QFETCH(QString, folder);
+    QFETCH(QString, reason);
     QTemporaryDir dir;
-    QVERIFY(QDir(dir.path()).mkdir("setting.def")); // a folder where the file should be
-    Fixture f(dir.path());
-    readSettingsFile(f.ctx);
+    const QString file = dir.path() + folder + "/setting.def";
+    makePlace(place, file, {});
+    Fixture f(dir.path() + folder);
     f.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
     writeSettingsFile(f.ctx);
-    QCOMPARE(f.prompts->messages(), (QStringList{kLoadBox, "Exit Program|Save default settings?", "|"}));
-    QCOMPARE(f.ctx.state.comPort, qint16(2));
+    QCOMPARE(f.prompts->messages().value(1), "Exit Program|Cannot save " + file + ": " + reason);
+}
+
+void SettingsFileTest::pathsComeBackUnchanged_data()
+{
+    QTest::addColumn<QString>("written"); // the path the program writes; empty: the field is put in by hand
+    QTest::addColumn<QByteArray>("field"); // the path's bytes in the file
+    QTest::addColumn<QString>("read");
+    const QString cyrillic = QString::fromUtf8("/home/\u0418\u0432\u0430\u043D/default.sqlite");
+    const QString lookalike = QString::fromUtf8("/home/\u00C3\u00B6/d.sqlite"); // its Latin-1 bytes are UTF-8 for "ö"
+    QTest::newRow("Cyrillic home folder")
+        << cyrillic << QByteArray("/home/\xD0\x98\xD0\xB2\xD0\xB0\xD0\xBD/default.sqlite") << cyrillic;
+    QTest::newRow("Latin-1 that reads as UTF-8")
+        << lookalike << QByteArray("/home/\xC3\x83\xC2\xB6/d.sqlite") << lookalike;
+    QTest::newRow("NUL byte: no path") << QString() << QByteArray("/data/x\0y.sqlite", 16) << QString();
+    QTest::newRow("too long for the field: no path") << QString(120, QChar(0x0416)) << QByteArray() << QString();
+}
+
+void SettingsFileTest::pathsComeBackUnchanged()
+{
+    QFETCH(QString, written);
+    QFETCH(QByteArray, field);
+    QFETCH(QString, read);
+    QTemporaryDir dir;
+    const QString file = dir.filePath("setting.def");
+    const QByteArray image = handBuiltImage("def04", 2, 19200, field);
+    if (!written.isEmpty()) {
+        Fixture out(dir.path());
+        FormsAt forms;
+        out.ctx.attachFrame(&forms);
+        setStateOfImage(out.ctx.state, forms.geometry, 2, 19200, written);
+        out.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
+        writeSettingsFile(out.ctx);
+        QCOMPARE(contents(file), image);
+    } else {
+        writeFile(file, image);
+    }
+    Fixture in(dir.path());
+    readSettingsFile(in.ctx);
+    QCOMPARE(in.ctx.state.databasePath, read);
 }
 
 QTEST_GUILESS_MAIN(SettingsFileTest)

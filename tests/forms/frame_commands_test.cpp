@@ -12,6 +12,9 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 
 // A menu item, or a control of the tool bar or of grafik (some names stand on both).
@@ -45,6 +48,8 @@ private slots:
     void modeMenuAsksItsQuestion_data();
     void modeMenuAsksItsQuestion();
     void savedMeasurementLoadsBack();
+    void failedSaveNamesFileAndReason_data();
+    void failedSaveNamesFileAndReason();
     void cancelledLoadSaysFileNotFound();
     void eraseClearsTheTraces();
     void zoomBoxOpensTheZoomWindow();
@@ -142,7 +147,7 @@ void FrameCommandsTest::unsolicitedInput()
     int printed = 0;
     b.ctx().calls.printNow = [&] { ++printed; };
     b.start();
-    b.click("ckrm");
+    b.click("ckauto"); // connects and reads at every tick
     const QString onlineCaption = b.frame->caption;
     b.sim.port->clearTraffic();
     b.sim.port->sendUnsolicited(input);
@@ -154,9 +159,19 @@ void FrameCommandsTest::unsolicitedInput()
     QCOMPARE(b.sim.port->sentByProgram().contains("#bm1"), prints == 1); // the unit was read first
     QCOMPARE(b.state().online, qint16(offlineAtEnd ? 0 : 1));
     QCOMPARE(b.find<QCheckBox>("ckrm")->isChecked(), !offlineAtEnd);
+    QCOMPARE(b.find<QCheckBox>("ckauto")->isChecked(), !offlineAtEnd);
+    QCOMPARE(b.state().autoReading, quint8(offlineAtEnd ? 0 : 1));
     QCOMPARE(b.frame->caption, offlineAtEnd ? kOffline : onlineCaption);
     QVERIFY(b.find<QTimer>("Timer4")->isActive());
     QCOMPARE(b.ctx().port.bytesWaiting(), 0);
+
+    // Ticking RM again connects, but automatic reading stays off until Auto is ticked.
+    if (offlineAtEnd) {
+        b.click("ckrm");
+        b.sim.port->clearTraffic();
+        b.frame->timer1Tick();
+        QCOMPARE(b.sim.port->sentByProgram(), QByteArray());
+    }
 }
 
 void FrameCommandsTest::refreshChart_data()
@@ -239,10 +254,11 @@ void FrameCommandsTest::savedMeasurementLoadsBack()
     QCOMPARE(b.state().online, qint16(1));
     const float start = b.state().chart.startFrequency;
     const float stop = b.state().chart.stopFrequency;
+    // Typed without an extension, the name gets the one the load dialog's "*.mes" shows.
     const QString file = b.folder.path() + QStringLiteral("/first.mes");
-    b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
+    b.prompts().answerFile(QStringLiteral("Select Measurement"), b.folder.path() + QStringLiteral("/first"));
     b.trigger("mnusmeasurement");
-    QVERIFY(QFileInfo::exists(file));
+    QCOMPARE(QDir(b.folder.path()).entryList({"first*"}), QStringList("first.mes"));
 
     b.state().chart.startFrequency = 1.0f;
     b.state().chart.stopFrequency = 2.0f;
@@ -262,6 +278,51 @@ void FrameCommandsTest::savedMeasurementLoadsBack()
     QCOMPARE(b.frame->grafik()->paintCount(), before + 1);
     QVERIFY(b.frame->grafik()->caption.startsWith(QStringLiteral("Measure date: ")));
     QVERIFY(b.prompts().unexpected.isEmpty());
+}
+
+void FrameCommandsTest::failedSaveNamesFileAndReason_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("missing folder") << "gone/run.mes" << "the folder does not exist";
+    QTest::newRow("read-only file") << "kept.mes" << "the file is read-only";
+    // A file size limit stands in for the full disk; the engine's words for it are those of a failed write.
+    QTest::newRow("full disk") << "run.mes" << "disk I/O error";
+}
+
+void FrameCommandsTest::failedSaveNamesFileAndReason()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, reason);
+    FrameBench b;
+    b.start();
+    b.click("Command2");
+    const QString file = b.folder.filePath(name);
+    const QByteArray kept = "an earlier measurement";
+    QFile old(b.folder.filePath("kept.mes"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write(kept) == kept.size());
+    old.close();
+    QVERIFY(old.setPermissions(QFile::ReadOwner | QFile::ReadGroup));
+    // The disk fills up: while the save runs no file may grow beyond 32 KiB, room for the empty
+    // tables but not for the rows.
+    rlimit before{};
+    QVERIFY(::getrlimit(RLIMIT_FSIZE, &before) == 0);
+    rlimit full = before;
+    if (QTest::currentDataTag() == QLatin1String("full disk"))
+        full.rlim_cur = 32768;
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    QVERIFY(::setrlimit(RLIMIT_FSIZE, &full) == 0);
+    b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
+    b.trigger("mnusmeasurement");
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, signalBefore);
+
+    QCOMPARE(b.prompts().messages(QStringLiteral("Select Measurement")),
+             QStringList("Select Measurement|Cannot save " + file + ": " + reason));
+    QCOMPARE(b.state().busy, quint8(0));
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), kept);
+    QCOMPARE(QDir(b.folder.path()).entryList({"*.mes*"}), QStringList("kept.mes")); // no part left behind
 }
 
 void FrameCommandsTest::cancelledLoadSaysFileNotFound()

@@ -41,6 +41,7 @@ private slots:
     void monitorShowsEachByteAsItComes();
     void chartGeometryTakenOnlyWhenNormal_data();
     void chartGeometryTakenOnlyWhenNormal();
+    void printerSetupKeepsChosenPrinter();
 };
 
 void MainFrameTest::remoteBoxConnectsAndGoesLocal_data()
@@ -233,19 +234,22 @@ void MainFrameTest::monitorShowsEachByteAsItComes()
 void MainFrameTest::chartGeometryTakenOnlyWhenNormal_data()
 {
     QTest::addColumn<bool>("maximised");
-    QTest::newRow("normal window") << false;
-    QTest::newRow("maximised keeps the last place") << true;
+    QTest::addColumn<QPoint>("place");
+    QTest::newRow("normal window") << false << QPoint(20, 10);
+    QTest::newRow("left of and above the screen") << false << QPoint(-40, -20);
+    QTest::newRow("maximised keeps the last place") << true << QPoint(20, 10);
 }
 
 void MainFrameTest::chartGeometryTakenOnlyWhenNormal()
 {
     QFETCH(bool, maximised);
+    QFETCH(QPoint, place);
     FrameBench b;
     b.start();
     auto *window = qobject_cast<QMdiSubWindow *>(b.frame->grafik()->parentWidget());
     QVERIFY(window);
     window->showNormal();
-    window->setGeometry(20, 10, 700, 560);
+    window->setGeometry(QRect(place, QSize(700, 560)));
     if (maximised)
         window->showMaximized();
     FormGeometry g;
@@ -255,9 +259,27 @@ void MainFrameTest::chartGeometryTakenOnlyWhenNormal()
     g.grafikHeight = 4;
     b.frame->takeFormGeometry(g);
     QCOMPARE(g.grafikWindowState, qint16(maximised ? 2 : 0));
-    const QList<qint16> place{g.grafikLeft, g.grafikTop, g.grafikWidth, g.grafikHeight};
-    const QList<qint16> expected = maximised ? QList<qint16>{1, 2, 3, 4} : QList<qint16>{300, 150, 10500, 8400};
-    QCOMPARE(place, expected);
+    const QList<qint16> taken{g.grafikLeft, g.grafikTop, g.grafikWidth, g.grafikHeight};
+    const QList<qint16> expected = maximised ? QList<qint16>{1, 2, 3, 4}
+                                             : QList<qint16>{qint16(place.x() * 15), qint16(place.y() * 15), 10500, 8400};
+    QCOMPARE(taken, expected);
+}
+
+// The printer chosen is kept for printing and offered again; a cancel keeps the one before.
+void MainFrameTest::printerSetupKeepsChosenPrinter()
+{
+    FrameBench b;
+    b.start();
+    b.prompts().shown.clear();
+    b.prompts().answerPrinter(QStringLiteral("Lab-Laser"));
+    b.trigger("mnuprsetup");
+    b.prompts().answerPrinter(std::nullopt);
+    b.trigger("mnuprsetup");
+    QCOMPARE(b.state().printerName, QStringLiteral("Lab-Laser"));
+    QCOMPARE(b.prompts().shown.size(), 2);
+    QCOMPARE(b.prompts().shown[0].kind, ScriptedPrompts::Kind::PrinterSetup);
+    QCOMPARE(b.prompts().shown[0].text, QString()); // the system's default printer at first
+    QCOMPARE(b.prompts().shown[1].text, QStringLiteral("Lab-Laser"));
 }
 
 QTEST_MAIN(MainFrameTest)

@@ -15,6 +15,8 @@ private slots:
     void savedSettingsAndModeComeBackAtNextStart();
     void exitAnsweredNoLeavesSettingsFile_data();
     void exitAnsweredNoLeavesSettingsFile();
+    void simulatedStartKeepsConfiguredPort_data();
+    void simulatedStartKeepsConfiguredPort();
 };
 
 void StartupTest::firstStartTakesDefaultsAndLeavesUnitAlone_data()
@@ -119,6 +121,40 @@ void StartupTest::exitAnsweredNoLeavesSettingsFile()
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), before);
     QVERIFY(!b.sim.port->isOpen());
+}
+
+void StartupTest::simulatedStartKeepsConfiguredPort_data()
+{
+    QTest::addColumn<int>("chosenPort"); // chosen in boxcom during the run; -1: none
+    QTest::addColumn<QString>("unitCaption");
+    QTest::addColumn<qint16>("savedPort");
+    QTest::newRow("simulator all along") << -1 << "Unit:K320-A (simulated)       Firmware:" << qint16(3);
+    QTest::newRow("real port chosen later") << 4 << "Unit:K320-A       Firmware:" << qint16(4);
+}
+
+void StartupTest::simulatedStartKeepsConfiguredPort()
+{
+    QFETCH(int, chosenPort);
+    QFETCH(QString, unitCaption);
+    QFETCH(qint16, savedPort);
+    FrameBench b;
+    b.start();
+    b.state().comPort = 3;
+    b.prompts().answerMessage("Exit Program", MsgAnswer::Yes);
+    unloadMainFrame(b.ctx()); // setting.def now names Com3
+
+    b.start();
+    startOnSimulator(b.ctx());
+    QCOMPARE(b.state().comPort, qint16(0));
+    if (chosenPort >= 0)
+        b.state().comPort = qint16(chosenPort);
+    b.click("ckrm");
+    QVERIFY2(b.frame->caption.contains(unitCaption), qPrintable(b.frame->caption));
+    b.prompts().answerMessage("Exit Program", MsgAnswer::Yes);
+    unloadMainFrame(b.ctx());
+
+    b.start();
+    QCOMPARE(b.state().comPort, savedPort);
 }
 
 QTEST_MAIN(StartupTest)

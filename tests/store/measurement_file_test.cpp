@@ -122,7 +122,6 @@ private slots:
     void notesKeepTheirText();
     void refusedFiles_data();
     void refusedFiles();
-    void failedSaveNamesFile();
     void killedSaveKeepsPreviousFile();
 };
 
@@ -407,16 +406,6 @@ void MeasurementFileTest::refusedFiles()
     QString fault;
     QVERIFY(!describeMeasurementFile(path, &fault));
     QCOMPARE(fault, path + reason);
-}
-
-void MeasurementFileTest::failedSaveNamesFile()
-{
-    Fixture f;
-    f.ctx.state.measurementFileName = f.file("gone/m.mes");
-    QCOMPARE(saveTraceMeasurement(f.ctx), "Cannot save " + f.file("gone/m.mes"));
-    f.ctx.state.measurementFileName = f.file("m.mes");
-    QCOMPARE(saveTraceMeasurement(f.ctx), QString());
-    QCOMPARE(QDir(f.dir.path()).entryList({"m.mes*"}), QStringList("m.mes"));
 }
 
 // A save killed at any moment leaves the previous file whole, or the new one.
