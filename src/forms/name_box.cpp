@@ -1,0 +1,27 @@
+#include "forms/name_box.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+
+namespace {
+
+class NameKeys : public QObject {
+public:
+    NameKeys(QLineEdit *box, int longestName) : QObject(box), box_(box), longest_(longestName) {}
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        return !key->text().isEmpty() && key->key() != Qt::Key_Backspace && box_->text().trimmed().size() > longest_;
+    }
+
+private:
+    QLineEdit *box_;
+    int longest_;
+};
+
+} // namespace
+
+void limitNameKeys(QLineEdit *box, int longestName) { box->installEventFilter(new NameKeys(box, longestName)); }
