@@ -2,24 +2,12 @@
 
 #include "core/context.h"
 #include "forms/catalogue_combo.h"
+#include "forms/dialog_parts.h"
 #include "store/saved_settings.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-
-namespace {
-
-QPushButton *button(const char *name, const QString &caption, const QString &toolTip, QWidget *parent)
-{
-    auto *b = new QPushButton(caption, parent);
-    b->setObjectName(QLatin1String(name));
-    b->setToolTip(toolTip);
-    b->setAutoDefault(false);
-    return b;
-}
-
-} // namespace
 
 LoadsetForm::LoadsetForm(Context &ctx, QWidget *parent)
     : QDialog(parent), ctx_(ctx), combo_(catalogueCombo("DBCombo1", QStringLiteral("The saved setting"), this))
@@ -28,9 +16,10 @@ LoadsetForm::LoadsetForm(Context &ctx, QWidget *parent)
     setWindowTitle(QStringLiteral("Load settings"));
     setAttribute(Qt::WA_DeleteOnClose);
     setModal(true);
-    QPushButton *load = button("Command1", QStringLiteral("Load"), QStringLiteral("Load the selected setting"), this);
-    QPushButton *remove = button("Command2", QStringLiteral("Delete selected"),
-                                 QStringLiteral("Delete the selected setting"), this);
+    QPushButton *load =
+        dialogButton("Command1", QStringLiteral("Load"), QStringLiteral("Load the selected setting"), this);
+    QPushButton *remove =
+        dialogButton("Command2", QStringLiteral("Delete selected"), QStringLiteral("Delete the selected setting"), this);
     auto *layout = new QHBoxLayout(this);
     layout->addWidget(combo_, 1);
     layout->addWidget(load);

@@ -2,7 +2,7 @@
 
 #include "core/context.h"
 #include "forms/catalogue_combo.h"
-#include "forms/name_box.h"
+#include "forms/dialog_parts.h"
 #include "store/catalogue_views.h"
 
 #include <QGridLayout>
@@ -10,15 +10,6 @@
 #include <QPushButton>
 
 namespace {
-
-QPushButton *button(const char *name, const QString &caption, const QString &toolTip, QWidget *parent)
-{
-    auto *b = new QPushButton(caption, parent);
-    b->setObjectName(QLatin1String(name));
-    b->setToolTip(toolTip);
-    b->setAutoDefault(false);
-    return b;
-}
 
 QString criterion(const QString &name) { return QStringLiteral("configname like '") + name + QLatin1Char('\''); }
 
@@ -40,8 +31,8 @@ NewconfForm::NewconfForm(Context &ctx, std::function<void()> reloadEditor, QWidg
     limitNameKeys(text1_);
     source_->setStyleSheet(QStringLiteral("QComboBox { color: green; }"));
     destination_->setStyleSheet(QStringLiteral("QComboBox { color: red; }"));
-    QPushButton *addNew = button("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new configuration"), this);
-    QPushButton *copy = button("Command2", QStringLiteral("Copy"),
+    QPushButton *addNew = dialogButton("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new configuration"), this);
+    QPushButton *copy = dialogButton("Command2", QStringLiteral("Copy"),
                                QStringLiteral("Copy the data from the source (green) to the destination (red) setting"),
                                this);
     auto *layout = new QGridLayout(this);

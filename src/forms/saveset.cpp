@@ -1,7 +1,7 @@
 #include "forms/saveset.h"
 
 #include "core/context.h"
-#include "forms/name_box.h"
+#include "forms/dialog_parts.h"
 
 #include <QGridLayout>
 #include <QHeaderView>
@@ -24,10 +24,8 @@ SavesetForm::SavesetForm(Context &ctx, QWidget *parent)
     grid_->horizontalHeader()->setStretchLastSection(true);
     grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    auto *save = new QPushButton(QStringLiteral("Save"), this);
-    save->setObjectName(QStringLiteral("Command1"));
-    save->setToolTip(QStringLiteral("Save the settings under this name"));
-    save->setAutoDefault(false);
+    QPushButton *save =
+        dialogButton("Command1", QStringLiteral("Save"), QStringLiteral("Save the settings under this name"), this);
     auto *layout = new QGridLayout(this);
     layout->addWidget(text1_, 0, 0);
     layout->addWidget(save, 0, 1);

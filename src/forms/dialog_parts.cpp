@@ -1,7 +1,8 @@
-#include "forms/name_box.h"
+#include "forms/dialog_parts.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace {
 
@@ -9,7 +10,7 @@ class NameKeys : public QObject {
 public:
     NameKeys(QLineEdit *box, int longestName) : QObject(box), box_(box), longest_(longestName) {}
 
-    bool eventFilter(QObject *watched, QEvent *event) override
+    bool eventFilter(QObject *, QEvent *event) override
     {
         if (event->type() != QEvent::KeyPress)
             return false;
@@ -25,3 +26,12 @@ private:
 } // namespace
 
 void limitNameKeys(QLineEdit *box, int longestName) { box->installEventFilter(new NameKeys(box, longestName)); }
+
+QPushButton *dialogButton(const char *name, const QString &caption, const QString &toolTip, QWidget *parent)
+{
+    auto *b = new QPushButton(caption, parent);
+    b->setObjectName(QLatin1String(name));
+    b->setToolTip(toolTip);
+    b->setAutoDefault(false);
+    return b;
+}
