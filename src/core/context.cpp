@@ -8,6 +8,14 @@ Context::Context(Platform platform)
 {
 }
 
+void refreshPanel(Context &ctx)
+{
+    const SubsystemCalls &c = ctx.calls;
+    for (const auto *refresh : {&c.refreshUnits, &c.refreshLimits, &c.refreshConfiguration, &c.refreshUnits})
+        call(*refresh);
+    ctx.state.repaintRequest = 1;
+}
+
 void setBusy(Context &ctx)
 {
     ctx.frame().setBusyCursor(true);

@@ -84,6 +84,10 @@ inline void enterStoredMode(Context &ctx)
     call(ctx.state.emcMode != 0 ? ctx.calls.enterEmcMode : ctx.calls.enterNormalMode);
 }
 
+// The panel redisplays the state: units, limits, configuration, units again; then a repaint.
+// Runs after the analyser's settings were read or sent, and after a saved setting was loaded.
+void refreshPanel(Context &ctx);
+
 // Hourglass pointer and the flag `busy`.
 void setBusy(Context &ctx);
 void clearBusy(Context &ctx);

@@ -12,6 +12,8 @@
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_limits.h"
 #include "forms/levelmeter.h"
+#include "forms/loadset.h"
+#include "forms/saveset.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
@@ -194,10 +196,10 @@ void MainFrame::buildMenu()
 
     QMenu *data = menu(menuBar(), "mnuKonfiguration", QStringLiteral("&Data"));
     QMenu *load = menu(data, "mnuload", QStringLiteral("&Load"));
-    later(load, "mnulsettings", QStringLiteral("&Settings"));
+    item(load, "mnulsettings", QStringLiteral("&Settings"), &MainFrame::openLoadset);
     item(load, "mnulmeasure", QStringLiteral("&Measurements"), &MainFrame::loadMeasurementClicked);
     mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
-    later(mnusave_, "mnussettings", QStringLiteral("&Settings"));
+    item(mnusave_, "mnussettings", QStringLiteral("&Settings"), &MainFrame::openSaveset);
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
     later(data, "mnuprint", QStringLiteral("&Print"));
     // The dialogs of the equipment catalogue; the editors on the chart's equipment tab reload after them.
@@ -370,6 +372,7 @@ void MainFrame::applyModeControls(bool emc)
     action("mnuemc")->setChecked(emc);
     tool("Command6")->setEnabled(!emc);
     mnusave_->menuAction()->setEnabled(!emc);
+    action("mnulsettings")->setEnabled(!emc);
     for (const char *name : {"ckauto", "Command2", "Command3", "Command4"})
         tool(name)->setEnabled(!emc);
     action("mnulevelmeter")->setEnabled(emc);
@@ -694,11 +697,15 @@ void MainFrame::normalModeClicked()
     action("mnunormal")->setChecked(ctx_.state.emcMode == 0);
     if (ctx_.state.emcMode == 0)
         return;
-    // Loading the settings first is offered; the settings forms are not part of the program
-    // yet, so either answer enters the mode at once.
-    ctx_.prompts.messageBox(QStringLiteral("Select Normal-Mode"), QStringLiteral("Do you want to load the settings"),
-                            MsgButtons::YesNo);
-    enterNormalMode();
+    // On Yes loadset opens, and enters the mode when it unloads.
+    if (ctx_.prompts.messageBox(QStringLiteral("Select Normal-Mode"), QStringLiteral("Do you want to load the settings"),
+                                MsgButtons::YesNo)
+        == MsgAnswer::Yes) {
+        ctx_.state.modeSwitchSettingsPrompt = -1;
+        openLoadset();
+    } else {
+        enterNormalMode();
+    }
 }
 
 void MainFrame::emcModeClicked()
@@ -706,10 +713,20 @@ void MainFrame::emcModeClicked()
     action("mnuemc")->setChecked(ctx_.state.emcMode != 0);
     if (ctx_.state.emcMode != 0)
         return;
-    ctx_.prompts.messageBox(QStringLiteral("Select EMC-Mode"), QStringLiteral("Do you want to save the settings"),
-                            MsgButtons::YesNo);
-    enterEmcMode();
+    // On Yes saveset opens, and enters the mode when it unloads.
+    if (ctx_.prompts.messageBox(QStringLiteral("Select EMC-Mode"), QStringLiteral("Do you want to save the settings"),
+                                MsgButtons::YesNo)
+        == MsgAnswer::Yes) {
+        ctx_.state.modeSwitchSettingsPrompt = -1;
+        openSaveset();
+    } else {
+        enterEmcMode();
+    }
 }
+
+void MainFrame::openSaveset() { (new SavesetForm(ctx_, this))->show(); }
+
+void MainFrame::openLoadset() { (new LoadsetForm(ctx_, this))->show(); }
 
 void MainFrame::manualClicked(const QString &fileName)
 {

@@ -78,6 +78,8 @@ private:
     void configurationClicked();
     void normalModeClicked();
     void emcModeClicked();
+    void openSaveset();
+    void openLoadset();
     void manualClicked(const QString &fileName);
     void aboutClicked();
 

@@ -2,26 +2,14 @@
 
 #include "core/context.h"
 #include "forms/catalogue_combo.h"
+#include "forms/dialog_parts.h"
 #include "store/catalogue_views.h"
 
 #include <QGridLayout>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 
 namespace {
-
-// The name box takes no more keys once its trimmed text is longer than this.
-constexpr int kNameLength = 80;
-
-QPushButton *button(const char *name, const QString &caption, const QString &toolTip, QWidget *parent)
-{
-    auto *b = new QPushButton(caption, parent);
-    b->setObjectName(QLatin1String(name));
-    b->setToolTip(toolTip);
-    b->setAutoDefault(false);
-    return b;
-}
 
 QString criterion(const QString &name) { return QStringLiteral("configname like '") + name + QLatin1Char('\''); }
 
@@ -40,11 +28,11 @@ NewconfForm::NewconfForm(Context &ctx, std::function<void()> reloadEditor, QWidg
     setAttribute(Qt::WA_DeleteOnClose);
     text1_->setObjectName(QStringLiteral("Text1"));
     text1_->setToolTip(QStringLiteral("New configuration"));
-    text1_->installEventFilter(this);
+    limitNameKeys(text1_);
     source_->setStyleSheet(QStringLiteral("QComboBox { color: green; }"));
     destination_->setStyleSheet(QStringLiteral("QComboBox { color: red; }"));
-    QPushButton *addNew = button("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new configuration"), this);
-    QPushButton *copy = button("Command2", QStringLiteral("Copy"),
+    QPushButton *addNew = dialogButton("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new configuration"), this);
+    QPushButton *copy = dialogButton("Command2", QStringLiteral("Copy"),
                                QStringLiteral("Copy the data from the source (green) to the destination (red) setting"),
                                this);
     auto *layout = new QGridLayout(this);
@@ -78,16 +66,6 @@ void NewconfForm::hideEvent(QHideEvent *event)
     catalogueViews(ctx_).conData2.refresh();
     reloadEditor_();
     QDialog::hideEvent(event);
-}
-
-bool NewconfForm::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == text1_ && event->type() == QEvent::KeyPress) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (!key->text().isEmpty() && key->key() != Qt::Key_Backspace && text1_->text().trimmed().size() > kNameLength)
-            return true;
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 void NewconfForm::showCombos()

@@ -311,15 +311,6 @@ void readUncalFlag(Context &ctx)
     ctx.state.uncalibratedFlag = uncalibrated ? 1 : 0;
 }
 
-void refreshPanel(Context &ctx)
-{
-    const SubsystemCalls &c = ctx.calls;
-    for (const auto *refresh : {&c.refreshUnits, &c.refreshLimits, &c.refreshConfiguration, &c.refreshUnits})
-        if (*refresh)
-            (*refresh)();
-    ctx.state.repaintRequest = 1;
-}
-
 void readAllSettings(Context &ctx)
 {
     if (!isOnline(ctx))

@@ -53,7 +53,6 @@ void readAllSettings(Context &ctx);
 void sendAllSettings(Context &ctx);
 void sendPresetSettings(Context &ctx);
 void sendZeroSpanSettings(Context &ctx);
-void refreshPanel(Context &ctx);
 
 // A number by a picture of zeros: `integerDigits` digits before the point, always written,
 // `decimals` after it; a negative value gets its minus sign in front. Always a point.

@@ -45,8 +45,6 @@ private slots:
     void refreshChart_data();
     void refreshChart();
     void databaseSelectionFlipsMode();
-    void modeMenuAsksItsQuestion_data();
-    void modeMenuAsksItsQuestion();
     void savedMeasurementLoadsBack();
     void failedSaveNamesFileAndReason_data();
     void failedSaveNamesFileAndReason();
@@ -213,37 +211,6 @@ void FrameCommandsTest::databaseSelectionFlipsMode()
         QVERIFY(before.isNull()); // unloaded, and loaded anew by the mode entry
         QVERIFY(b.frame->grafik()->isVisibleTo(b.frame.get()));
     }
-}
-
-void FrameCommandsTest::modeMenuAsksItsQuestion_data()
-{
-    QTest::addColumn<QString>("item");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("question");
-    QTest::addColumn<int>("mode");
-    QTest::newRow("EMC") << "mnuemc" << "Select EMC-Mode" << "Do you want to save the settings" << 1;
-    QTest::newRow("normal") << "mnunormal" << "Select Normal-Mode" << "Do you want to load the settings" << 0;
-}
-
-void FrameCommandsTest::modeMenuAsksItsQuestion()
-{
-    QFETCH(QString, item);
-    QFETCH(QString, title);
-    QFETCH(QString, question);
-    QFETCH(int, mode);
-    FrameBench b;
-    b.start();
-    if (mode == 0)
-        b.frame->enterEmcMode();
-    b.prompts().answerMessage(title, MsgAnswer::No);
-    b.trigger(item);
-    QCOMPARE(b.prompts().messages(title), QStringList{title + "|" + question});
-    QCOMPARE(int(b.state().emcMode), mode);
-
-    b.prompts().shown.clear();
-    b.trigger(item); // already in that mode: no question
-    QVERIFY(b.prompts().shown.isEmpty());
-    QCOMPARE(b.find<QAction>(item)->isChecked(), true);
 }
 
 void FrameCommandsTest::savedMeasurementLoadsBack()

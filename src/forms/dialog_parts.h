@@ -1,0 +1,14 @@
+#pragma once
+// Parts the small dialogs share: their push buttons and their name boxes.
+
+class QLineEdit;
+class QPushButton;
+class QString;
+class QWidget;
+
+// A button that never takes Return as the dialog's default: Return belongs to the lists and boxes.
+QPushButton *dialogButton(const char *name, const QString &caption, const QString &toolTip, QWidget *parent);
+
+// The name box takes no more keys once its trimmed text is longer than the longest name
+// (editing keys without text, Backspace among them, still work).
+void limitNameKeys(QLineEdit *box, int longestName = 80);
