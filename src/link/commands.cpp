@@ -59,6 +59,7 @@ std::optional<double> queried(Context &ctx, const QString &command)
             return std::nullopt;
         if (const auto value = taggedValue(ctx.state.lastReply, command))
             return value;
+        settleLine(ctx);
     }
     raiseSerialError(ctx);
     return std::nullopt;

@@ -44,6 +44,9 @@ void prepareSending(Context &ctx)
     ctx.port.discardOutput();
 }
 
+// How long the line must stay quiet before a repeated pass: longer than any gap inside a reply.
+constexpr double kQuietSeconds = 0.1;
+
 // Writes `lastCommand` character by character, each compared with its echo. A missing or wrong
 // echo sends the whole text again from its first character; the third pass is an error.
 bool echoPasses(Context &ctx)
@@ -52,7 +55,8 @@ bool echoPasses(Context &ctx)
     const QByteArray text = s.lastCommand.toLatin1();
     s.echoAttempt = 0;
     for (;;) {
-        ++s.echoAttempt;
+        if (++s.echoAttempt > 1)
+            settleLine(ctx);
         showMonitor(ctx, FrameControls::SentLabel, QString());
         clearReceivedMonitor(ctx);
         bool passed = true;
@@ -100,6 +104,16 @@ bool collectReply(Context &ctx, bool reportTimeout)
 }
 
 } // namespace
+
+void settleLine(Context &ctx)
+{
+    const double start = ctx.clock.steadySeconds();
+    do {
+        ctx.port.discardInput();
+        ctx.port.waitForInput(1, kQuietSeconds);
+    } while (ctx.port.bytesWaiting() > 0 && ctx.clock.steadySeconds() - start < ctx.state.serialTimeoutSeconds);
+    ctx.port.discardInput();
+}
 
 QString lineSettings(qint32 baudRate)
 {

@@ -35,6 +35,10 @@ bool waitForBytes(Context &ctx, int count = 1);
 double stampWait(Context &ctx);
 // The same wait, measured from a stamp taken earlier.
 bool waitForBytesSince(Context &ctx, double steadyStart, int count = 1);
+// Drops what is still arriving after a failed echo or a reply that was not the one asked for (the
+// rest of a stray "LO", a late reply), until the line has been quiet a moment; at most
+// `serialTimeoutSeconds`. The next pass then starts on a quiet line.
+void settleLine(Context &ctx);
 // Line parameters for a rate: "19200,N,8,1".
 QString lineSettings(qint32 baudRate);
 // The numeric value of a text as the analyser writes it: a point as decimal mark, reading stops at

@@ -32,6 +32,7 @@ struct FaultBench : SimBench {
         p.uncal = 1;
         attachSignalProcessing(*ctx);
         state().viewSample = 1;
+        state().viewMemoryB = 0;
         connectUnit(*ctx);
     }
 
