@@ -2,17 +2,13 @@
 
 #include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
+#include "cli/unit_commands.h"
 #include "core/clock.h"
 #include "link/discovery.h"
 #include "link/qt_serial_port.h"
-#include "link/serial_link.h"
-#include "link/commands.h"
 #include "output/logic_wiring.h"
-#include "signal/trace_store.h"
 #include "sim/simulated_port.h"
 #include "store/measurement_file.h"
-
-#include <QFile>
 
 #include <QCoreApplication>
 #include <charconv>
@@ -37,17 +33,9 @@ struct Options {
     std::optional<QString> simulatedModel;
     qint32 baud = 19200;
     int timeout = 4;
-    QStringList traces{"sample"};
-    QString csv = QStringLiteral("-");
-    std::optional<QString> mes;
+    ReadRequest request;
     QString file; // of info
 };
-
-int fail(const QString &message)
-{
-    std::fprintf(stderr, "delfor-cli: %s\n", qPrintable(message));
-    return 1;
-}
 
 // Reads the command line; an error text when it cannot be used.
 std::optional<Options> parseOptions(const QStringList &args, QString &error)
@@ -67,11 +55,11 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
         else if (arg == "--timeout")
             o.timeout = value().toInt();
         else if (arg == "--traces")
-            o.traces = value().split(',', Qt::SkipEmptyParts);
+            o.request.traces = value().split(',', Qt::SkipEmptyParts);
         else if (arg == "--csv")
-            o.csv = value();
+            o.request.csv = value();
         else if (arg == "--mes")
-            o.mes = value();
+            o.request.mes = value();
         else if (o.command.isEmpty() && !arg.startsWith('-'))
             o.command = arg;
         else if (o.command == "info" && o.file.isEmpty() && !arg.startsWith('-'))
@@ -81,10 +69,11 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
     }
     if (error.isEmpty() && o.command != "identify" && o.command != "read" && o.command != "info")
         error = o.command.isEmpty() ? "no command given" : "unknown command: " + o.command;
-    for (const QString &trace : o.traces)
+    for (const QString &trace : o.request.traces)
         if (error.isEmpty() && !kTraceNames.contains(trace))
             error = "unknown trace: " + trace + " (sample, average, maxhold or memory)";
-    if (error.isEmpty() && (o.traces.isEmpty() || o.csv.isEmpty() || (o.mes && o.mes->isEmpty())))
+    const ReadRequest &r = o.request;
+    if (error.isEmpty() && (r.traces.isEmpty() || r.csv.isEmpty() || (r.mes && r.mes->isEmpty())))
         error = "--traces, --csv and --mes need a value";
     if (error.isEmpty() && o.command == "info" && o.file.isEmpty())
         error = "info needs a file";
@@ -126,91 +115,6 @@ std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
     ctx->state.baudRate = o.baud;
     ctx->state.serialTimeoutSeconds = quint8(o.timeout);
     return ctx;
-}
-
-bool connected(Context &ctx)
-{
-    if (ctx.state.online == 0)
-        connectUnit(ctx);
-    return ctx.state.online == 1; // otherwise the error box has told why
-}
-
-int identify(Context &ctx)
-{
-    if (!connected(ctx))
-        return 1;
-    std::printf("model: %s\nfirmware: %s\n", qPrintable(ctx.state.unitModel), qPrintable(ctx.state.firmwareVersion));
-    std::fflush(stdout);
-    goLocal(ctx);
-    return 0;
-}
-
-// One level column: the dB value, or nothing where the trace was not read.
-QString level(const TraceArray &trace, int i, bool wanted)
-{
-    return wanted ? QString::number(trace[i] / 2.5, 'f', 1) : QString();
-}
-
-// The traces as CSV, frequencies in MHz by the rule of the measurement file.
-QByteArray traceCsv(const AppState &s, const QStringList &traces)
-{
-    QByteArray out = "Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW\n";
-    const TraceStore &t = s.traces;
-    for (int i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
-        const QStringList row{QString::number(traceFrequency(s, i), 'f', 6),
-                              level(t.sampleTrace, i, traces.contains("sample")),
-                              level(t.averageTrace, i, traces.contains("average")),
-                              level(t.maxholdTrace, i, traces.contains("maxhold")),
-                              level(t.memoryTrace, i, traces.contains("memory"))};
-        out += row.join(',').toLatin1() + '\n';
-    }
-    return out;
-}
-
-bool writeOut(const QString &path, const QByteArray &bytes)
-{
-    QFile file;
-    const bool opened = path == "-" ? file.open(stdout, QIODevice::WriteOnly)
-                                    : (file.setFileName(path), file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    return opened && file.write(bytes) == bytes.size() && file.flush();
-}
-
-// The traces just read as a .mes file, in the program's format.
-int writeMes(Context &ctx, const QString &path)
-{
-    ctx.state.measurementFileName = path;
-    if (!createMeasurementFile(ctx))
-        return fail("cannot create " + path);
-    writeTraceMeasurement(ctx);
-    // Checked where the writer put it: the name without its trailing blanks.
-    const auto written = describeMeasurementFile(measurementFilePath(ctx.state));
-    if (!written || written->rowCount != ctx.state.pointCount || written->settings.isEmpty())
-        return fail("cannot write " + path);
-    return 0;
-}
-
-int read(Context &ctx, const Options &o)
-{
-    if (!connected(ctx))
-        return 1;
-    AppState &s = ctx.state;
-    readAllSettings(ctx);
-    s.viewSample = o.traces.contains("sample");
-    s.viewAverage = o.traces.contains("average");
-    s.viewMaxhold = o.traces.contains("maxhold");
-    s.viewMemoryB = o.traces.contains("memory");
-    s.viewMemoryAB = 0;
-    if (s.viewAverage || s.viewMaxhold) {
-        s.analyser.calculationOn = 1; // the analyser calculates average and max hold itself
-        calculationStart(ctx);
-    }
-    readTraces(ctx);
-    if (s.online != 1)
-        return 1;
-    goLocal(ctx);
-    if (!writeOut(o.csv, traceCsv(s, o.traces)))
-        return fail("cannot write " + o.csv);
-    return o.mes ? writeMes(ctx, *o.mes) : 0;
 }
 
 // A column's value as text; 32-bit floats in their shortest form.
@@ -262,5 +166,5 @@ int main(int argc, char **argv)
         return info(options->file);
     Analyser analyser;
     const auto ctx = openContext(*options, analyser);
-    return options->command == "read" ? read(*ctx, *options) : identify(*ctx);
+    return options->command == "read" ? readUnit(*ctx, options->request) : identifyUnit(*ctx);
 }

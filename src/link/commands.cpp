@@ -41,12 +41,29 @@ bool withoutTrackingGenerator(const Context &ctx)
     return ctx.state.unitModel.contains(QLatin1String("K310-A"));
 }
 
-// Queries `command` and gives the reply's value after its two-letter tag; nothing on failure.
+// The value of a query's reply, when the reply is the one asked for: its tag is the command's own
+// ("SP" for "#sp") and a whole number follows. A stray "LO" or a byte of noise gives nothing.
+std::optional<double> taggedValue(const QString &reply, const QString &command)
+{
+    static const QRegularExpression number(QStringLiteral("^ *[+-]?(\\d+\\.?\\d*|\\.\\d+) *$"));
+    if (!reply.startsWith(command.mid(1, 2).toUpper()) || !number.match(reply.mid(2)).hasMatch())
+        return std::nullopt;
+    return numberValue(reply.mid(2));
+}
+
+// Queries `command` and gives the value of its reply; nothing on failure. Any other reply than the
+// one asked for is a failed read: three attempts, as for a setting, then the one error box.
 std::optional<double> queried(Context &ctx, const QString &command)
 {
-    if (!queryUnit(ctx, command) || ctx.state.serialError == 1)
-        return std::nullopt;
-    return numberValue(ctx.state.lastReply.mid(2));
+    for (int attempt = 1; attempt <= 3; ++attempt) {
+        if (!queryUnit(ctx, command) || ctx.state.serialError == 1)
+            return std::nullopt;
+        if (const auto value = taggedValue(ctx.state.lastReply, command))
+            return value;
+        settleLine(ctx);
+    }
+    raiseSerialError(ctx);
+    return std::nullopt;
 }
 
 // A queried value rounded into an integer field; a value the field cannot hold leaves it alone.

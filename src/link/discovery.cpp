@@ -78,9 +78,9 @@ void probeUnit(Context &ctx)
             return; // no unit at this rate: no box, and Timer4 stays off
 
     // One limit for the whole reply, not one per byte.
-    s.commTimerStart = ctx.clock.secondsSinceMidnight();
+    const double start = stampWait(ctx);
     for (;;) {
-        if (!waitForBytesSinceStamp(ctx) || s.lastReply.size() > 64) {
+        if (!waitForBytesSince(ctx, start) || s.lastReply.size() > 64) {
             raiseSerialError(ctx);
             ctx.frame().setTimer4Enabled(true);
             return;
@@ -141,15 +141,17 @@ void connectUnit(Context &ctx)
     ctx.frame().setTrackingControlsEnabled(s.hasTrackingGenerator == -1);
 }
 
-void goLocal(Context &ctx)
+bool goLocal(Context &ctx)
 {
     if (!ctx.port.isOpen())
-        return;
+        return false;
     setBusy(ctx);
     ctx.state.serialError = 0;
-    if (sendCommand(ctx, QStringLiteral("#kl0")))
+    const bool local = sendCommand(ctx, QStringLiteral("#kl0"));
+    if (local)
         showOffline(ctx);
     clearBusy(ctx);
+    return local;
 }
 
 void autosearchUnit(Context &ctx)

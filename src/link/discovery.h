@@ -17,8 +17,9 @@ inline constexpr qint32 kBaudRates[] = {4800, 9600, 19200, 38400, 115200};
 void probeUnit(Context &ctx);
 // Finds the unit at any rate, moves it to `baudRate`, locks its keys, reads model and firmware.
 void connectUnit(Context &ctx);
-// "#kl0": the unit back to local operation; the port stays open.
-void goLocal(Context &ctx);
+// "#kl0": the unit back to local operation; the port stays open. False when the unit did not
+// take it (the error box has told why) or the port is closed.
+bool goLocal(Context &ctx);
 // Tries ports 1 to 4 (button "Autosearch" of boxcom).
 void autosearchUnit(Context &ctx);
 // The caption while a unit is attached: title, unit and firmware.

@@ -1,7 +1,5 @@
 #include "link/serial_link.h"
 
-#include <algorithm>
-
 namespace {
 
 // A reply that runs on this long without its carriage return is line noise, not an answer.
@@ -46,6 +44,9 @@ void prepareSending(Context &ctx)
     ctx.port.discardOutput();
 }
 
+// How long the line must stay quiet before a repeated pass: longer than any gap inside a reply.
+constexpr double kQuietSeconds = 0.1;
+
 // Writes `lastCommand` character by character, each compared with its echo. A missing or wrong
 // echo sends the whole text again from its first character; the third pass is an error.
 bool echoPasses(Context &ctx)
@@ -54,7 +55,8 @@ bool echoPasses(Context &ctx)
     const QByteArray text = s.lastCommand.toLatin1();
     s.echoAttempt = 0;
     for (;;) {
-        ++s.echoAttempt;
+        if (++s.echoAttempt > 1)
+            settleLine(ctx);
         showMonitor(ctx, FrameControls::SentLabel, QString());
         clearReceivedMonitor(ctx);
         bool passed = true;
@@ -103,33 +105,46 @@ bool collectReply(Context &ctx, bool reportTimeout)
 
 } // namespace
 
+void settleLine(Context &ctx)
+{
+    const double start = ctx.clock.steadySeconds();
+    do {
+        ctx.port.discardInput();
+        ctx.port.waitForInput(1, kQuietSeconds);
+    } while (ctx.port.bytesWaiting() > 0 && ctx.clock.steadySeconds() - start < ctx.state.serialTimeoutSeconds);
+    ctx.port.discardInput();
+}
+
 QString lineSettings(qint32 baudRate)
 {
     return QString::number(baudRate) + QStringLiteral(",N,8,1");
 }
 
-bool waitForBytesSinceStamp(Context &ctx, int count)
+double stampWait(Context &ctx)
 {
-    AppState &s = ctx.state;
-    const float limit = float(s.serialTimeoutSeconds);
+    ctx.state.commTimerStart = ctx.clock.secondsSinceMidnight();
+    return ctx.clock.steadySeconds();
+}
+
+bool waitForBytesSince(Context &ctx, double steadyStart, int count)
+{
+    // Measured on the steady clock: a wait across midnight or a change of the clock keeps its bound.
+    const double limit = ctx.state.serialTimeoutSeconds;
     for (;;) {
         if (!ctx.port.isOpen())
             return false;
         if (ctx.port.bytesWaiting() >= count)
             return true;
-        // A wait across midnight sees a negative difference and goes on waiting, as it always has.
-        const float elapsed = ctx.clock.secondsSinceMidnight() - s.commTimerStart;
+        const double elapsed = ctx.clock.steadySeconds() - steadyStart;
         if (elapsed > limit)
             return false;
-        const double remaining = std::clamp(double(limit - elapsed), 0.0, double(limit));
-        ctx.port.waitForInput(count, remaining + 0.01);
+        ctx.port.waitForInput(count, limit - elapsed + 0.01);
     }
 }
 
 bool waitForBytes(Context &ctx, int count)
 {
-    ctx.state.commTimerStart = ctx.clock.secondsSinceMidnight();
-    return waitForBytesSinceStamp(ctx, count);
+    return waitForBytesSince(ctx, stampWait(ctx), count);
 }
 
 QString readCharacter(Context &ctx)

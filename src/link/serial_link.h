@@ -30,8 +30,15 @@ bool queryUnit(Context &ctx, const QString &command);
 // The wait of the link: until `count` bytes are waiting, at most `serialTimeoutSeconds` from now.
 // Blocks on the port; false when the time ran out.
 bool waitForBytes(Context &ctx, int count = 1);
-// The same wait, measured from `commTimerStart` as it stands.
-bool waitForBytesSinceStamp(Context &ctx, int count = 1);
+// Stamps the start of a wait: `commTimerStart` takes the seconds since midnight, and the result
+// is the steady time that the wait is measured from.
+double stampWait(Context &ctx);
+// The same wait, measured from a stamp taken earlier.
+bool waitForBytesSince(Context &ctx, double steadyStart, int count = 1);
+// Drops what is still arriving after a failed echo or a reply that was not the one asked for (the
+// rest of a stray "LO", a late reply), until the line has been quiet a moment; at most
+// `serialTimeoutSeconds`. The next pass then starts on a quiet line.
+void settleLine(Context &ctx);
 // Line parameters for a rate: "19200,N,8,1".
 QString lineSettings(qint32 baudRate);
 // The numeric value of a text as the analyser writes it: a point as decimal mark, reading stops at

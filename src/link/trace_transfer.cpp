@@ -13,6 +13,8 @@ bool sendBlockRequest(Context &ctx)
     for (const char byte : ctx.state.lastCommand.toLatin1()) {
         bool echoed = false;
         for (int attempt = 0; attempt < 3 && !echoed; ++attempt) {
+            if (attempt > 0)
+                settleLine(ctx); // the rest of a broken block may still be coming
             ctx.port.discardInput();
             ctx.port.writeByte(byte);
             echoed = waitForBytes(ctx) && readByte(ctx) == uchar(byte);

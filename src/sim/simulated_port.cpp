@@ -58,24 +58,31 @@ void SimulatedPort::close()
 }
 
 void SimulatedPort::sendFromUnit(const QByteArray &bytes, double start, qint32 rate,
-                                 const QList<Analyser::Pause> &pauses)
+                                 const QList<Analyser::Pause> &pauses, Kind kind)
 {
-    auto pause = pauses.begin();
-    for (qsizetype index = 0; index < bytes.size(); ++index) {
-        const char byte = bytes[index];
-        double begin = std::max(start, unitLineFree_);
-        for (; pause != pauses.end() && pause->at <= index; ++pause)
-            begin += pause->seconds;
+    // One byte on the analyser's line, after a pause; a lost byte never reaches the program.
+    const auto transmit = [&](char byte, double pauseSeconds, bool lost) {
+        const double begin = std::max(start, unitLineFree_) + pauseSeconds;
         const double done = begin + byteTime(rate);
         record(false, byte, begin);
         unitLineFree_ = done;
         start = done;
-        if (!open_)
-            continue;
+        if (!open_ || lost)
+            return;
         if (rate == rate_)
             input_.push_back({done, byte});
         else if (wrongSpeed == WrongSpeed::Garbage)
             input_.push_back({done, char(~byte)}); // framing garbage: never the byte that was sent
+    };
+    auto pause = pauses.begin();
+    for (qsizetype index = 0; index < bytes.size(); ++index) {
+        double pauseSeconds = 0.0;
+        for (; pause != pauses.end() && pause->at <= index; ++pause)
+            pauseSeconds += pause->seconds;
+        const bool lost = kind == Kind::Echo && lostEchoes.contains(++echoesSent_);
+        transmit(bytes[index], pauseSeconds, lost);
+        for (const char stray : strayAfter.value(++unitBytesSent_))
+            transmit(stray, 0.0, false);
     }
 }
 
@@ -111,7 +118,7 @@ bool SimulatedPort::writeByte(char byte)
     }
     releasePendingReply(arrival);
     const Analyser::Answer answer = analyser_.receive(byte);
-    sendFromUnit(answer.echo, arrival, analyser_.rate);
+    sendFromUnit(answer.echo, arrival, analyser_.rate, {}, Kind::Echo);
     if (answer.newRate)
         analyser_.rate = answer.newRate;
     for (const Analyser::Pause &pause : answer.pauses)

@@ -8,6 +8,9 @@
 #include "core/platform.h"
 #include "sim/analyser.h"
 
+#include <QHash>
+#include <QSet>
+
 #include <deque>
 #include <vector>
 
@@ -36,6 +39,15 @@ public:
     // Bytes the analyser sends by itself ("PR", "LO", noise), arriving from the given steady time of the clock (now by default).
     void sendUnsolicited(const QByteArray &bytes, double atTime = -1);
 
+    // Line faults on the way to the program. The analyser's bytes are counted from 1, its echoes
+    // among them from 1 as well (stray bytes are not counted; `unitBytesSent()` and `echoesSent()`
+    // tell how far the counts are): the echoes in `lostEchoes` never arrive, and the bytes in
+    // `strayAfter` ("LO\r", noise) arrive right behind the analyser's byte of that count.
+    QSet<qint64> lostEchoes;
+    QHash<qint64, QByteArray> strayAfter;
+    qint64 unitBytesSent() const { return unitBytesSent_; }
+    qint64 echoesSent() const { return echoesSent_; }
+
     struct Traffic {
         bool toUnit;
         char byte;
@@ -57,7 +69,9 @@ private:
     };
     double now() const;
     double byteTime(qint32 rate) const { return 10.0 / rate; }
-    void sendFromUnit(const QByteArray &bytes, double start, qint32 rate, const QList<Analyser::Pause> &pauses = {});
+    enum class Kind { Reply, Echo };
+    void sendFromUnit(const QByteArray &bytes, double start, qint32 rate, const QList<Analyser::Pause> &pauses = {},
+                      Kind kind = Kind::Reply);
     void releasePendingReply(double until);
     void record(bool toUnit, char byte, double time);
 
@@ -69,6 +83,8 @@ private:
     bool open_ = false;
     double programLineFree_ = 0; // when the program's transmitter is free
     double unitLineFree_ = 0;    // when the analyser's transmitter is free
+    qint64 unitBytesSent_ = 0;
+    qint64 echoesSent_ = 0;
     std::deque<Incoming> input_; // bytes towards the program, in time order
     QByteArray pendingReply_;
     QList<Analyser::Pause> pendingPauses_; // offsets into the pending reply

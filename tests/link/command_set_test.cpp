@@ -13,6 +13,7 @@ QStringList commandsSent(const SimulatedPort &port)
 }
 
 using Operation = void (*)(Context &);
+using Strays = QHash<qint64, QByteArray>;
 } // namespace
 Q_DECLARE_METATYPE(Operation)
 
@@ -33,6 +34,8 @@ private slots:
     void uncalFlagNeedsNewerFirmware_data();
     void uncalFlagNeedsNewerFirmware();
     void failedQueryLeavesFieldAndStopsSequence();
+    void queryTakesOnlyTheReplyAskedFor_data();
+    void queryTakesOnlyTheReplyAskedFor();
     void numbersCarryPointUnderCommaLocale();
     void numberPictureWritesZerosAndSign_data();
     void numberPictureWritesZerosAndSign();
@@ -265,6 +268,38 @@ void CommandSetTest::failedQueryLeavesFieldAndStopsSequence()
     QCOMPARE(b.prompts->messages().size(), 1);
     QCOMPARE(b.port->sentByProgram(), QByteArray("#es0\r#es0\r\r#es0\r\r\r"));
     QCOMPARE(b.state().busy, quint8(0));
+}
+
+void CommandSetTest::queryTakesOnlyTheReplyAskedFor_data()
+{
+    // "#sp\r" is echoed as the analyser's bytes 1-4, "SP200\r" follows as 5-10; the next attempt
+    // takes ten bytes more.
+    QTest::addColumn<Strays>("stray");
+    QTest::addColumn<int>("attempts");
+    QTest::addColumn<qint16>("span");
+    QTest::newRow("clean") << Strays{} << 1 << qint16(200);
+    QTest::newRow("a stray LO before the reply") << Strays{{4, "LO\r"}} << 2 << qint16(200);
+    QTest::newRow("noise in the tag") << Strays{{5, "\xff"}} << 2 << qint16(200);
+    QTest::newRow("noise in the value") << Strays{{7, "\xff"}} << 2 << qint16(200);
+    QTest::newRow("another tag twice") << Strays{{4, "VM0\r"}, {14, "LO\r"}} << 3 << qint16(200);
+    QTest::newRow("three wrong replies") << Strays{{4, "LO\r"}, {14, "LO\r"}, {24, "LO\r"}} << 3
+                                          << qint16(123);
+}
+
+void CommandSetTest::queryTakesOnlyTheReplyAskedFor()
+{
+    QFETCH(Strays, stray);
+    QFETCH(int, attempts);
+    QFETCH(qint16, span);
+    SimBench b;
+    b.online();
+    b.port->strayAfter = stray;
+    b.analyser.panel.span = 200;
+    b.state().analyser.span = 123;
+    readSpan(*b.ctx);
+    QCOMPARE(b.state().analyser.span, span);
+    QCOMPARE(b.port->sentByProgram(), QByteArray("#sp\r").repeated(attempts));
+    QCOMPARE(b.prompts->messages(), span == 123 ? QStringList{"Serial - Error| Data read error ( #sp\r )"} : QStringList{});
 }
 
 void CommandSetTest::numbersCarryPointUnderCommaLocale()

@@ -11,10 +11,10 @@
 
 struct SimBench {
     explicit SimBench(const QString &model = QStringLiteral("K320-A"),
-                      const QString &firmware = QStringLiteral("1.40"))
+                      const QString &firmware = QStringLiteral("1.40"), QTime timeOfDay = QTime(10, 0))
         : analyser(model, firmware)
     {
-        auto clockOwned = std::make_unique<VirtualClock>();
+        auto clockOwned = std::make_unique<VirtualClock>(QDateTime(QDate(2026, 1, 5), timeOfDay));
         auto promptsOwned = std::make_unique<ScriptedPrompts>();
         auto portOwned = std::make_unique<SimulatedPort>(analyser, *clockOwned);
         clock = clockOwned.get();

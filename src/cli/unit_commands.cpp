@@ -1,0 +1,102 @@
+#include "cli/unit_commands.h"
+
+#include "link/commands.h"
+#include "link/discovery.h"
+#include "signal/trace_store.h"
+#include "store/measurement_file.h"
+
+#include <QFile>
+
+namespace {
+
+bool connected(Context &ctx)
+{
+    if (ctx.state.online == 0)
+        connectUnit(ctx);
+    return ctx.state.online == 1; // otherwise the error box has told why
+}
+
+// One level column: the dB value, or nothing where the trace was not read.
+QString level(const TraceArray &trace, int i, bool wanted)
+{
+    return wanted ? QString::number(trace[i] / 2.5, 'f', 1) : QString();
+}
+
+// The traces as CSV, frequencies in MHz by the rule of the measurement file.
+QByteArray traceCsv(const AppState &s, const QStringList &traces)
+{
+    QByteArray out = "Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW\n";
+    const TraceStore &t = s.traces;
+    for (int i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
+        const QStringList row{QString::number(traceFrequency(s, i), 'f', 6),
+                              level(t.sampleTrace, i, traces.contains("sample")),
+                              level(t.averageTrace, i, traces.contains("average")),
+                              level(t.maxholdTrace, i, traces.contains("maxhold")),
+                              level(t.memoryTrace, i, traces.contains("memory"))};
+        out += row.join(',').toLatin1() + '\n';
+    }
+    return out;
+}
+
+// The traces just read as a .mes file, in the program's format.
+int writeMes(Context &ctx, const QString &path)
+{
+    ctx.state.measurementFileName = path;
+    if (!createMeasurementFile(ctx))
+        return fail("cannot create " + path);
+    writeTraceMeasurement(ctx);
+    // Checked where the writer put it: the name without its trailing blanks.
+    const auto written = describeMeasurementFile(measurementFilePath(ctx.state));
+    if (!written || written->rowCount != ctx.state.pointCount || written->settings.isEmpty())
+        return fail("cannot write " + path);
+    return 0;
+}
+
+} // namespace
+
+int fail(const QString &message)
+{
+    std::fprintf(stderr, "delfor-cli: %s\n", qPrintable(message));
+    return 1;
+}
+
+bool writeOut(const QString &path, const QByteArray &bytes)
+{
+    QFile file;
+    const bool opened = path == "-" ? file.open(stdout, QIODevice::WriteOnly)
+                                    : (file.setFileName(path), file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    return opened && file.write(bytes) == bytes.size() && file.flush();
+}
+
+int identifyUnit(Context &ctx, std::FILE *out)
+{
+    if (!connected(ctx) || !goLocal(ctx))
+        return 1;
+    std::fprintf(out, "model: %s\nfirmware: %s\n", qPrintable(ctx.state.unitModel),
+                 qPrintable(ctx.state.firmwareVersion));
+    std::fflush(out);
+    return 0;
+}
+
+int readUnit(Context &ctx, const ReadRequest &request)
+{
+    if (!connected(ctx))
+        return 1;
+    AppState &s = ctx.state;
+    readAllSettings(ctx);
+    s.viewSample = request.traces.contains("sample");
+    s.viewAverage = request.traces.contains("average");
+    s.viewMaxhold = request.traces.contains("maxhold");
+    s.viewMemoryB = request.traces.contains("memory");
+    s.viewMemoryAB = 0;
+    if (s.viewAverage || s.viewMaxhold) {
+        s.analyser.calculationOn = 1; // the analyser calculates average and max hold itself
+        calculationStart(ctx);
+    }
+    readTraces(ctx);
+    if (s.online != 1 || !goLocal(ctx))
+        return 1;
+    if (!writeOut(request.csv, traceCsv(s, request.traces)))
+        return fail("cannot write " + request.csv);
+    return request.mes ? writeMes(ctx, *request.mes) : 0;
+}

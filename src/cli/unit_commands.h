@@ -1,0 +1,27 @@
+#pragma once
+// delfor-cli identify and delfor-cli read: the work on the unit, over the link of the context.
+// Both end by giving the unit back to local operation; a unit that does not go back is a failure,
+// since its keys stay locked. Exit code: 0 done, 1 failed, the reason on stderr.
+
+#include "core/context.h"
+
+#include <QStringList>
+
+#include <cstdio>
+#include <optional>
+
+struct ReadRequest {
+    QStringList traces{"sample"}; // of sample, average, maxhold, memory
+    QString csv = QStringLiteral("-"); // "-" is standard output
+    std::optional<QString> mes;
+};
+
+// Prints model and firmware to `out`.
+int identifyUnit(Context &ctx, std::FILE *out = stdout);
+// Reads the panel and the traces asked for and writes them as CSV (and as a .mes file).
+int readUnit(Context &ctx, const ReadRequest &request);
+
+// "delfor-cli: <message>" on stderr; gives the exit code 1.
+int fail(const QString &message);
+// Writes the bytes whole to a file, or to standard output for "-".
+bool writeOut(const QString &path, const QByteArray &bytes);
