@@ -1,3 +1,4 @@
+#include "support/measurement_fixture.h"
 #include "support/no_port.h"
 #include "core/clock.h"
 #include "core/scripted_prompts.h"
@@ -35,34 +36,11 @@ struct Run {
         s.measurementFileName = dir.filePath("run.emc");
         s.emcViewAverage = s.emcViewQPeak = 1;
         s.horizontalRound = -1;
-        createMeasurementFile(ctx);
     }
     void fill(qint16 raw)
     {
         for (int i = 1; i <= ctx.state.pointCount; ++i)
             ctx.state.traces.rawSamples[i] = raw;
-    }
-    // One component of `db` over the whole range, and optionally a measurement at 3 m for a 10 m limit.
-    void useCorrection(float db, bool distanced)
-    {
-        AppState &s = ctx.state;
-        s.correctionOn = 1;
-        s.componentNumber[0] = 1;
-        s.distanceFromDut = distanced ? 3.0f : 0.0f;
-        s.maxholdLimitDistance = 10.0f;
-        ctx.calls.componentRows = [db](qint32) { return QList<ComponentRow>{{0.0f, db}, {2000.0f, db}}; };
-        openChain(ctx);
-    }
-    // "<MHz>:<even dB>:<H|V>" blocks, each at its frequency in its round.
-    void stepBlocks(const QString &blocks)
-    {
-        for (const QString &block : blocks.split(' ')) {
-            const QStringList part = block.split(':');
-            ctx.state.analyser.centerFrequency = part[0].toFloat();
-            fill(rawOf(part[1].toInt()));
-            ctx.state.horizontalRound = part[2] == "H" ? -1 : 0;
-            detectStepBlock(ctx);
-        }
     }
     QList<QVariantMap> rows() const
     {
@@ -102,51 +80,35 @@ class DetectorsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    // Blocks of one background level with at most one other sample, through both passes.
+    // A background level with at most one sample of -20 dB, through both passes.
     void blockLevels_data()
     {
         QTest::addColumn<QString>("pass");
         QTest::addColumn<float>("centre");
-        QTest::addColumn<qint16>("backgroundRaw");
         QTest::addColumn<int>("background"); // dB
-        QTest::addColumn<int>("spikeAt");    // 0: no other sample
-        QTest::addColumn<int>("spike");      // dB, at raw 227
-        QTest::addColumn<bool>("oddTable");  // table qpeak holds charge 8 and discharge 50 in both bands
-        QTest::addColumn<double>("averageDivisor");
+        QTest::addColumn<int>("spikeAt");    // 0: none
+        QTest::addColumn<bool>("oddTable");  // table qpeak: charge 8, discharge 50 in both bands
         QTest::addColumn<double>("charge");
         QTest::addColumn<double>("discharge");
         QTest::addColumn<int>("peak");
-        QTest::newRow("step, constant level: 2000 shares of 2001")
-            << "step" << 100.0f << rawOf(-30) << -30 << 0 << 0 << false << 2001.0 << 2.0 << 1100.0 << -30;
-        QTest::newRow("selected, constant level: exactly the level")
-            << "selected" << 100.0f << rawOf(-30) << -30 << 0 << 0 << false << 2000.0 << 2.0 << 1100.0 << -30;
-        QTest::newRow("all under the noise gate: 90.8 dB below ref + att, rounded")
-            << "step" << 100.0f << qint16(49) << -111 << 0 << 0 << false << 2001.0 << 2.0 << 1100.0 << -111;
+        QTest::newRow("step, constant: 2000 shares of 2001") << "step" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
+        QTest::newRow("selected, constant: exactly the level") << "selected" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
         QTest::newRow("one high sample: charge by half, discharge by 1/320")
-            << "step" << 10.0f << rawOf(-60) << -60 << 1000 << -20 << false << 2001.0 << 2.0 << 320.0 << -20;
-        QTest::newRow("just below 30 MHz: lower band")
-            << "step" << 29.999f << rawOf(-60) << -60 << 1500 << -20 << false << 2001.0 << 2.0 << 320.0 << -20;
-        QTest::newRow("exactly 30 MHz: upper band, discharge by 1/1100")
-            << "step" << 30.0f << rawOf(-60) << -60 << 1500 << -20 << false << 2001.0 << 2.0 << 1100.0 << -20;
-        QTest::newRow("step takes table qpeak")
-            << "step" << 300.0f << rawOf(-60) << -60 << 1900 << -20 << true << 2001.0 << 8.0 << 50.0 << -20;
-        QTest::newRow("selected keeps its fixed divisors whatever the table holds")
-            << "selected" << 10.0f << rawOf(-60) << -60 << 1000 << -20 << true << 2000.0 << 2.0 << 320.0 << -20;
-        QTest::newRow("first sample: peak and average, not the filter")
-            << "step" << 100.0f << rawOf(-60) << -60 << 1 << -20 << false << 2001.0 << 2.0 << 1100.0 << -20;
-        QTest::newRow("last sample of the block is not used")
-            << "step" << 100.0f << rawOf(-60) << -60 << 2001 << -20 << false << 2001.0 << 2.0 << 1100.0 << -60;
+            << "step" << 10.0f << -60 << 1000 << false << 2.0 << 320.0 << -20;
+        QTest::newRow("29.999 MHz: lower band") << "step" << 29.999f << -60 << 1500 << false << 2.0 << 320.0 << -20;
+        QTest::newRow("exactly 30 MHz: upper band") << "step" << 30.0f << -60 << 1500 << false << 2.0 << 1100.0 << -20;
+        QTest::newRow("step takes table qpeak") << "step" << 300.0f << -60 << 1900 << true << 8.0 << 50.0 << -20;
+        QTest::newRow("selected keeps its own divisors") << "selected" << 10.0f << -60 << 1000 << true << 2.0 << 320.0 << -20;
+        QTest::newRow("first sample: peak and average, not the filter") << "step" << 100.0f << -60 << 1 << false << 2.0 << 1100.0 << -20;
+        QTest::newRow("last sample not used") << "step" << 100.0f << -60 << 2001 << false << 2.0 << 1100.0 << -60;
     }
     void blockLevels()
     {
         QFETCH(QString, pass);
         QFETCH(float, centre);
-        QFETCH(qint16, backgroundRaw);
         QFETCH(int, background);
         QFETCH(int, spikeAt);
-        QFETCH(int, spike);
         QFETCH(bool, oddTable);
-        QFETCH(double, averageDivisor);
         QFETCH(double, charge);
         QFETCH(double, discharge);
         QFETCH(int, peak);
@@ -157,20 +119,20 @@ private slots:
             s.tent30 = s.tent1000 = 50;
         }
         s.analyser.centerFrequency = centre;
-        run.fill(backgroundRaw);
-        if (spikeAt)
-            s.traces.rawSamples[spikeAt] = rawOf(-20);
+        run.fill(rawOf(background));
+        s.traces.rawSamples[spikeAt] = rawOf(-20);
         const BlockLevels levels = detectBlock(run.ctx, pass == "step" ? stepDivisors(s) : selectedDivisors(s));
 
-        const double low = amplitude(background), high = amplitude(spike);
+        // Samples 1 to 2000 are averaged, over 2001 in the Step mode and over 2000 in the selected pass.
+        const double low = amplitude(background), high = amplitude(-20);
         const bool counted = spikeAt >= 1 && spikeAt <= 2000;
-        const double sum = 1999 * low + (counted ? high : low);
-        // Converged on the background, then one charge and a discharge for each later sample.
-        const double filtered = spikeAt >= 2 && spikeAt <= 2000
+        const double average = (1999 * low + (counted ? high : low)) / (pass == "step" ? 2001 : 2000);
+        // Settled on the background, then one charge and a discharge for each later sample.
+        const double filtered = spikeAt >= 2 && counted
                                     ? low + (high - low) / charge * std::pow(1 - 1 / discharge, 2000 - spikeAt)
                                     : low;
         QCOMPARE(levels.peak, qint16(peak));
-        QVERIFY2(std::abs(levels.average - decibel(sum / averageDivisor)) < 1e-9, qPrintable(QString::number(levels.average, 'g', 12)));
+        QVERIFY2(std::abs(levels.average - decibel(average)) < 1e-9, qPrintable(QString::number(levels.average, 'g', 12)));
         QVERIFY2(std::abs(levels.qpeak - decibel(filtered)) < 1e-6, qPrintable(QString::number(levels.qpeak, 'g', 12)));
     }
 
@@ -201,7 +163,13 @@ private slots:
         Run run;
         AppState &s = run.ctx.state;
         s.analyser.dbPerDivision = quint8(dbPerDivision);
-        run.useCorrection(component, distanced);
+        // One component of `component` dB over the whole range; measured at 3 m or 10 m for a 10 m limit.
+        s.correctionOn = 1;
+        s.componentNumber[0] = 1;
+        s.distanceFromDut = distanced ? 3.0f : 10.0f;
+        s.maxholdLimitDistance = 10.0f;
+        run.ctx.calls.componentRows = [component](qint32) { return QList<ComponentRow>{{0.0f, component}, {2000.0f, component}}; };
+        openChain(run.ctx);
         run.fill(raw);
         detectStepBlock(run.ctx);
         QCOMPARE(int(s.traces.rawSamples[1]), db);
@@ -210,110 +178,93 @@ private slots:
         QCOMPARE(int(s.chart.grafikMin), count - 10); // the window's lower end leaves 4 dB below the block
     }
 
-    void stepRows_data()
+    // Blocks "<MHz>:<even dB>:<H|V>" through a pass, and the file's rows in frequency order after them.
+    // The step pass starts from an empty file. The selected pass starts from rows as a sweep leaves
+    // them, with the cursor on the block's row, or past the end when the file has none.
+    void rowsWritten_data()
     {
+        QTest::addColumn<QString>("pass");
         QTest::addColumn<QString>("blocks");
         QTest::addColumn<bool>("detectorsOn"); // average and quasi-peak
         QTest::addColumn<QList<QVariantMap>>("expected");
-        QTest::newRow("new row in the horizontal round") << "100:-30:H" << true << QList<QVariantMap>{
+        QTest::newRow("step: new row in the horizontal round") << "step" << "100:-30:H" << true << QList<QVariantMap>{
             {{"Frequency", 100.0}, {"Maxhold_dBmW", -30}, {"H_Maxhold_dBmW", -30}, {"V_Maxhold_dBmW", -1000},
              {"Average_dBmW", -30 + kStepShare}, {"H_Average_dBmW", -30 + kStepShare}, {"V_Average_dBmW", -1000},
              {"QPeak_dBmW", -30}, {"H_QPeak_dBmW", -30}, {"V_QPeak_dBmW", -1000}, {"Ambient_H_dBmW", -1000},
              {"Ambient_V_dBmW", -1000}, {"H_memory_dBmW", -1000}, {"V_memory_dBmW", -1000},
              {"Sample_dBmW", QVariant()}, {"memory_dBmW", QVariant()}}};
-        QTest::newRow("repeated blocks keep each maximum") << "100:-40:H 100:-30:H 100:-50:H" << true
+        QTest::newRow("step: repeated blocks keep each maximum") << "step" << "100:-40:H 100:-30:H 100:-50:H" << true
             << QList<QVariantMap>{{{"Maxhold_dBmW", -30}, {"H_Maxhold_dBmW", -30}, {"Average_dBmW", -30 + kStepShare},
                                    {"H_QPeak_dBmW", -30}, {"V_QPeak_dBmW", -1000}}};
-        QTest::newRow("vertical round raises the overall columns and fills its own")
-            << "100:-30:H 100:-20:V 100:-40:V 200:-40:V" << true << QList<QVariantMap>{
+        QTest::newRow("step: vertical round raises the overall columns and fills its own")
+            << "step" << "100:-30:H 100:-20:V 100:-40:V 200:-40:V" << true << QList<QVariantMap>{
             {{"Maxhold_dBmW", -20}, {"H_Maxhold_dBmW", -30}, {"V_Maxhold_dBmW", -20}, {"QPeak_dBmW", -20},
              {"H_QPeak_dBmW", -30}, {"V_Average_dBmW", -20 + kStepShare}},
             {{"Frequency", 200.0}, {"Maxhold_dBmW", -40}, {"H_Maxhold_dBmW", -1000}, {"V_Maxhold_dBmW", -40}}};
-        QTest::newRow("one row a kHz") << "100.0004:-30:H 99.9996:-20:H 100.0006:-40:H" << true << QList<QVariantMap>{
-            {{"Frequency", 100.0}, {"Maxhold_dBmW", -20}}, {{"Frequency", 100.001}, {"Maxhold_dBmW", -40}}};
-        QTest::newRow("detectors off: -1000, never raised") << "100:-30:H 100:-20:H" << false << QList<QVariantMap>{
-            {{"Maxhold_dBmW", -20}, {"Average_dBmW", -1000}, {"H_Average_dBmW", -1000}, {"QPeak_dBmW", -1000},
-             {"H_QPeak_dBmW", -1000}, {"V_QPeak_dBmW", -1000}}};
+        QTest::newRow("step: one row a kHz") << "step" << "100.0004:-30:H 99.9996:-20:H 100.0006:-40:H" << true
+            << QList<QVariantMap>{{{"Frequency", 100.0}, {"Maxhold_dBmW", -20}}, {{"Frequency", 100.001}, {"Maxhold_dBmW", -40}}};
+        QTest::newRow("step: detectors off write -1000, never raise") << "step" << "100:-30:H 100:-20:H" << false
+            << QList<QVariantMap>{{{"Maxhold_dBmW", -20}, {"Average_dBmW", -1000}, {"H_Average_dBmW", -1000},
+                                   {"QPeak_dBmW", -1000}, {"H_QPeak_dBmW", -1000}, {"V_QPeak_dBmW", -1000}}};
+        // The sweep left -10 dB in Maxhold_dBmW and -1000 elsewhere.
+        const QVariantMap swept{{"Maxhold_dBmW", -10}, {"H_Maxhold_dBmW", -1000}, {"Average_dBmW", -1000}};
+        QTest::newRow("selected: horizontal round overwrites the sweep's peak") << "selected" << "200:-30:H" << true
+            << QList<QVariantMap>{swept, {{"Maxhold_dBmW", -30}, {"H_Maxhold_dBmW", -30}, {"V_Maxhold_dBmW", -1000},
+                                          {"Average_dBmW", -30}, {"H_Average_dBmW", -30}, {"V_Average_dBmW", -1000},
+                                          {"QPeak_dBmW", -30}, {"H_QPeak_dBmW", -30}}, swept};
+        QTest::newRow("selected: vertical round only raises it") << "selected" << "200:-30:V" << true
+            << QList<QVariantMap>{swept, {{"Maxhold_dBmW", -10}, {"H_Maxhold_dBmW", -1000}, {"V_Maxhold_dBmW", -30},
+                                          {"V_Average_dBmW", -30}, {"V_QPeak_dBmW", -30}, {"H_QPeak_dBmW", -1000}}, swept};
+        QTest::newRow("selected: maxima kept, the overall peak the latest block's") << "selected" << "200:-30:H 200:-40:H"
+            << true << QList<QVariantMap>{swept, {{"Maxhold_dBmW", -40}, {"H_Maxhold_dBmW", -30}, {"Average_dBmW", -30},
+                                                  {"H_QPeak_dBmW", -30}}, swept};
+        QTest::newRow("selected: detectors off leave their columns") << "selected" << "200:-30:H" << false
+            << QList<QVariantMap>{swept, {{"Maxhold_dBmW", -30}, {"Average_dBmW", -1000}, {"QPeak_dBmW", -1000},
+                                          {"H_QPeak_dBmW", -1000}, {"V_QPeak_dBmW", -1000}}, swept};
+        QTest::newRow("selected: no cursor row, nothing written or added") << "selected" << "250:-30:H" << true
+            << QList<QVariantMap>{swept, swept, swept};
     }
-    void stepRows()
+    void rowsWritten()
     {
+        QFETCH(QString, pass);
         QFETCH(QString, blocks);
         QFETCH(bool, detectorsOn);
         QFETCH(QList<QVariantMap>, expected);
         Run run;
-        run.ctx.state.emcViewAverage = run.ctx.state.emcViewQPeak = detectorsOn;
-        run.stepBlocks(blocks);
-        const QList<QVariantMap> rows = run.rows();
-        QCOMPARE(rows.size(), expected.size());
-        for (int k = 0; k < rows.size(); ++k)
-            compareRow(rows[k], expected[k]);
-    }
-
-    // Rows as a sweep leaves them for the step pass: 100, 200 and 300 MHz selected, the sweep's -10 dB.
-    void selectedRows_data()
-    {
-        QTest::addColumn<QString>("blocks"); // "<even dB>:<H|V>" at the cursor row, 200 MHz
-        QTest::addColumn<bool>("cursorOnRow");
-        QTest::addColumn<bool>("qpeakOn");
-        QTest::addColumn<QVariantMap>("expected");
-        QTest::newRow("horizontal round overwrites the sweep's peak") << "-30:H" << true << true << QVariantMap{
-            {"Maxhold_dBmW", -30}, {"H_Maxhold_dBmW", -30}, {"V_Maxhold_dBmW", -1000}, {"Average_dBmW", -30},
-            {"H_Average_dBmW", -30}, {"V_Average_dBmW", -1000}, {"QPeak_dBmW", -30}, {"H_QPeak_dBmW", -30}};
-        QTest::newRow("vertical round only raises it") << "-30:V" << true << true << QVariantMap{
-            {"Maxhold_dBmW", -10}, {"H_Maxhold_dBmW", -1000}, {"V_Maxhold_dBmW", -30}, {"V_Average_dBmW", -30},
-            {"V_QPeak_dBmW", -30}, {"H_QPeak_dBmW", -1000}};
-        QTest::newRow("repeated blocks: maxima kept, the overall peak the latest block's")
-            << "-30:H -40:H" << true << true << QVariantMap{
-            {"Maxhold_dBmW", -40}, {"H_Maxhold_dBmW", -30}, {"Average_dBmW", -30}, {"H_QPeak_dBmW", -30}};
-        QTest::newRow("quasi-peak off: its columns untouched") << "-30:H" << true << false << QVariantMap{
-            {"QPeak_dBmW", -1000}, {"H_QPeak_dBmW", -1000}, {"V_QPeak_dBmW", -1000}, {"Average_dBmW", -30}};
-        QTest::newRow("no cursor row: nothing written, nothing added") << "-30:H" << false << true << QVariantMap{
-            {"Maxhold_dBmW", -10}, {"Average_dBmW", -1000}};
-    }
-    void selectedRows()
-    {
-        QFETCH(QString, blocks);
-        QFETCH(bool, cursorOnRow);
-        QFETCH(bool, qpeakOn);
-        QFETCH(QVariantMap, expected);
-        Run run;
         AppState &s = run.ctx.state;
-        s.emcViewQPeak = qpeakOn;
+        s.emcViewAverage = s.emcViewQPeak = detectorsOn;
+        const bool step = pass == "step";
+        if (step)
+            createMeasurementFile(run.ctx);
+        else // 100, 200, 300 MHz; Sample_dBmW 1 (selected), Maxhold_dBmW -10, all else -1000
+            QVERIFY(writeMeasurementTable(s.measurementFileName, kMeasurementColumns, 3, [](int i) {
+                QVariantList row(16, -1000);
+                row[0] = 100.0 * (i + 1), row[1] = 1, row[3] = -10;
+                return row;
+            }));
         {
             SqliteFile file(s.measurementFileName);
-            DataView rows(file.handle());
-            rows.setSource("select * from measurement");
-            QList<QVariantList> values;
-            for (double f : {100.0, 200.0, 300.0}) {
-                QVariantList row{f, 1, -10};
-                row.append(QVariantList(13, -1000));
-                values << row;
-            }
-            QStringList columns{"Frequency", "Sample_dBmW", "Maxhold_dBmW"};
-            for (const char *c : {"Average_dBmW", "QPeak_dBmW", "memory_dBmW", "Ambient_H_dBmW", "Ambient_V_dBmW",
-                                  "V_memory_dBmW", "H_memory_dBmW", "H_Average_dBmW", "H_Maxhold_dBmW", "H_QPeak_dBmW",
-                                  "V_Average_dBmW", "V_Maxhold_dBmW", "V_QPeak_dBmW"})
-                columns << c;
-            QVERIFY(rows.appendRows(columns, values));
-
             DataView measurementRecordset(file.handle());
-            measurementRecordset.setSource("select * from measurement where sample_dBmW = 1 order by frequency");
-            measurementRecordset.moveFirst();
-            measurementRecordset.moveNext();
-            if (!cursorOnRow)
-                measurementRecordset.moveLast(), measurementRecordset.moveNext();
-            s.analyser.centerFrequency = 200.0f;
+            if (!step)
+                measurementRecordset.setSource("select * from measurement where sample_dBmW = 1 order by frequency");
             for (const QString &block : blocks.split(' ')) {
-                run.fill(rawOf(block.section(':', 0, 0).toInt()));
-                s.horizontalRound = block.endsWith('H') ? -1 : 0;
+                const QStringList part = block.split(':');
+                s.analyser.centerFrequency = part[0].toFloat();
+                run.fill(rawOf(part[1].toInt()));
+                s.horizontalRound = part[2] == "H" ? -1 : 0;
+                if (step) {
+                    detectStepBlock(run.ctx);
+                    continue;
+                }
+                if (!measurementRecordset.findFirst("frequency = " + part[0]))
+                    measurementRecordset.moveLast(), measurementRecordset.moveNext();
                 detectSelectedBlock(run.ctx, measurementRecordset);
             }
         }
         const QList<QVariantMap> rows = run.rows();
-        QCOMPARE(rows.size(), 3);
-        compareRow(rows[1], expected);
-        compareRow(rows[0], {{"Maxhold_dBmW", -10}, {"H_Maxhold_dBmW", -1000}, {"Average_dBmW", -1000}});
-        compareRow(rows[2], {{"Maxhold_dBmW", -10}, {"H_Maxhold_dBmW", -1000}, {"Average_dBmW", -1000}});
+        QCOMPARE(rows.size(), expected.size());
+        for (int k = 0; k < rows.size(); ++k)
+            compareRow(rows[k], expected[k]);
     }
 };
 
