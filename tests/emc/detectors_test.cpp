@@ -91,15 +91,19 @@ private slots:
         QTest::addColumn<double>("charge");
         QTest::addColumn<double>("discharge");
         QTest::addColumn<int>("peak");
-        QTest::newRow("step, constant: 2000 shares of 2001") << "step" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
-        QTest::newRow("selected, constant: exactly the level") << "selected" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
+        QTest::newRow("step, constant: 2000 shares of 2001")
+            << "step" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
+        QTest::newRow("selected, constant: exactly the level")
+            << "selected" << 100.0f << -30 << 0 << false << 2.0 << 1100.0 << -30;
         QTest::newRow("one high sample: charge by half, discharge by 1/320")
             << "step" << 10.0f << -60 << 1000 << false << 2.0 << 320.0 << -20;
         QTest::newRow("29.999 MHz: lower band") << "step" << 29.999f << -60 << 1500 << false << 2.0 << 320.0 << -20;
         QTest::newRow("exactly 30 MHz: upper band") << "step" << 30.0f << -60 << 1500 << false << 2.0 << 1100.0 << -20;
         QTest::newRow("step takes table qpeak") << "step" << 300.0f << -60 << 1900 << true << 8.0 << 50.0 << -20;
-        QTest::newRow("selected keeps its own divisors") << "selected" << 10.0f << -60 << 1000 << true << 2.0 << 320.0 << -20;
-        QTest::newRow("first sample: peak and average, not the filter") << "step" << 100.0f << -60 << 1 << false << 2.0 << 1100.0 << -20;
+        QTest::newRow("selected keeps its own divisors")
+            << "selected" << 10.0f << -60 << 1000 << true << 2.0 << 320.0 << -20;
+        QTest::newRow("first sample: peak and average, not the filter")
+            << "step" << 100.0f << -60 << 1 << false << 2.0 << 1100.0 << -20;
         QTest::newRow("last sample not used") << "step" << 100.0f << -60 << 2001 << false << 2.0 << 1100.0 << -60;
     }
     void blockLevels()
@@ -168,7 +172,9 @@ private slots:
         s.componentNumber[0] = 1;
         s.distanceFromDut = distanced ? 3.0f : 10.0f;
         s.maxholdLimitDistance = 10.0f;
-        run.ctx.calls.componentRows = [component](qint32) { return QList<ComponentRow>{{0.0f, component}, {2000.0f, component}}; };
+        run.ctx.calls.componentRows = [component](qint32) {
+            return QList<ComponentRow>{{0.0f, component}, {2000.0f, component}};
+        };
         openChain(run.ctx);
         run.fill(raw);
         detectStepBlock(run.ctx);
@@ -202,7 +208,8 @@ private slots:
              {"H_QPeak_dBmW", -30}, {"V_Average_dBmW", -20 + kStepShare}},
             {{"Frequency", 200.0}, {"Maxhold_dBmW", -40}, {"H_Maxhold_dBmW", -1000}, {"V_Maxhold_dBmW", -40}}};
         QTest::newRow("step: one row a kHz") << "step" << "100.0004:-30:H 99.9996:-20:H 100.0006:-40:H" << true
-            << QList<QVariantMap>{{{"Frequency", 100.0}, {"Maxhold_dBmW", -20}}, {{"Frequency", 100.001}, {"Maxhold_dBmW", -40}}};
+            << QList<QVariantMap>{{{"Frequency", 100.0}, {"Maxhold_dBmW", -20}},
+                                  {{"Frequency", 100.001}, {"Maxhold_dBmW", -40}}};
         QTest::newRow("step: detectors off write -1000, never raise") << "step" << "100:-30:H 100:-20:H" << false
             << QList<QVariantMap>{{{"Maxhold_dBmW", -20}, {"Average_dBmW", -1000}, {"H_Average_dBmW", -1000},
                                    {"QPeak_dBmW", -1000}, {"H_QPeak_dBmW", -1000}, {"V_QPeak_dBmW", -1000}}};
