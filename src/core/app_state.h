@@ -206,6 +206,8 @@ struct AppState {
 
     quint8 decimalChar = 46;
     quint16 tauf30 = 2, tauf1000 = 2, tent30 = 320, tent1000 = 1100;
+    double qpeakValue = 0.0;      // the quasi-peak detector's state, linear amplitude
+    qint16 horizontalRound = 0;   // -1 in the horizontal / L round, 0 in the vertical / N one
     float databaseVersion = 1.0f;
     QString databasePath;
     QString measurementFileName;

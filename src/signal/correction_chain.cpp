@@ -9,13 +9,6 @@
 
 namespace {
 
-// A value outside 16 bits is not stored: the target keeps what it held.
-void storeCount(qint16 &target, double value)
-{
-    if (value >= -32768.0 && value <= 32767.0)
-        target = qint16(value);
-}
-
 // Linear along the segment, worked in double and kept as float. A segment whose ends coincide
 // (only a cache left over from another pass can hold one) adds nothing.
 float interpolate(const ComponentSegment &g, float frequency)

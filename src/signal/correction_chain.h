@@ -24,6 +24,14 @@ void convertBlock(Context &ctx);
 // Moves `grafikMin` and `grafikMax` towards the running minimum and maximum of a pass, in counts.
 void applyLevelWindow(Context &ctx, int lo, int hi);
 
+// Stores a whole value in a 16-bit count; a value outside 16 bits is not stored, and the target
+// keeps what it held.
+inline void storeCount(qint16 &target, double value)
+{
+    if (value >= -32768.0 && value <= 32767.0)
+        target = qint16(value);
+}
+
 // The frequency as a search compares it: rounded to its seven-significant-digit text and read
 // back as a 32-bit float, the type of the stored column.
 float queryFrequency(float frequency);
