@@ -237,6 +237,7 @@ void ChartCursors::peakClicked()
     v.cursorAX = std::isfinite(x) ? rounded(std::trunc(x)) : 0;
     v.cursorAY = v.peakLevel;
     paintCursors();
+    call(painter_.hooks.refreshLevelmeter);
 }
 
 void ChartCursors::centreClicked()

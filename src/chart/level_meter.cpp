@@ -2,6 +2,7 @@
 
 #include "chart/canvas.h"
 #include "chart/chart_painter.h"
+#include "chart/cursors.h"
 #include "core/context.h"
 #include "store/measurement_file.h"
 #include "store/sqlite_file.h"
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr double kPlotWidth = 1000000.0;
 constexpr double kMeterWidth = 46.0; // ten bars of 4 units with their gaps
 constexpr quint32 kBlack = 0;
 
@@ -34,21 +34,6 @@ const MeterBar kBars[] = {
 
 } // namespace
 
-float cursorAFrequency(const AppState &s)
-{
-    const ChartView &v = s.chart;
-    float f;
-    if (s.emcMode > 0 || s.analyser.span > 0) {
-        // The zoom's span as the chart has it: its stop less its start.
-        const float start = v.zoomOn ? v.zoomStart : v.startFrequency;
-        const float width = v.zoomOn ? (v.zoomStart + v.zoomSpan) - v.zoomStart : v.stopFrequency - v.startFrequency;
-        f = float(width / kPlotWidth * v.cursorAX + start);
-    } else {
-        f = v.zoomOn ? v.zoomStart : v.startFrequency;
-    }
-    return f < 0.0f ? 0.0f : f;
-}
-
 std::optional<QString> refreshLevelmeter(Context &ctx, Canvas &graph)
 {
     const AppState &s = ctx.state;
@@ -62,7 +47,7 @@ std::optional<QString> refreshLevelmeter(Context &ctx, Canvas &graph)
     SqliteFile file(measurementFilePath(s));
     QSqlQuery query(file.handle());
     query.prepare(QStringLiteral("select * from measurement where frequency >= ? order by frequency"));
-    query.addBindValue(double(cursorAFrequency(s)));
+    query.addBindValue(double(linearCursorFrequency(s, s.chart.cursorAX)));
     const bool found = query.exec() && query.next();
     const QSqlRecord row = found ? query.record() : QSqlRecord();
 

@@ -9,13 +9,9 @@
 
 class Canvas;
 class Context;
-struct AppState;
 
-// Frequency of cursor A in MHz by the linear rule of the chart (zoomed or not); the log axis is
-// not considered. Without a span in normal mode it is the start of the window; never negative.
-float cursorAFrequency(const AppState &s);
-
-// Draws the meter on `graph` and gives the text of its label ("Measure-Freq.: 150.000MHz"), or
+// Draws the meter on `graph` for the frequency under cursor A by the linear rule (the log axis
+// is not considered) and gives the text of its label ("Measure-Freq.: 150.000MHz"), or
 // an empty text when no row lies at or above the cursor. Nothing happens without a measurement
 // file (none).
 std::optional<QString> refreshLevelmeter(Context &ctx, Canvas &graph);
