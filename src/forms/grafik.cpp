@@ -300,7 +300,7 @@ QWidget *GrafikForm::buildCursorReadouts()
 {
     auto *box = new QWidget;
     auto *grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 8, 0, 0);
+    grid->setContentsMargins(0, 8, 4, 0);
     grid->setVerticalSpacing(1);
     const char *names[] = {"freqa", "leva", "freqb", "levb", "freqab", "levab"};
     const char *rows[] = {"A", "B", "A-B"};
@@ -310,6 +310,9 @@ QWidget *GrafikForm::buildCursorReadouts()
             QLabel *&readout = readouts_[row * 2 + column];
             readout = label(names[row * 2 + column], QString(), box);
             readout->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            // Room for the widest readout, so that a longer value never runs out of the column.
+            readout->setMinimumWidth(readout->fontMetrics().horizontalAdvance(
+                QLatin1String(column == 0 ? "0000.000M" : "-000.0")));
             grid->addWidget(readout, row, column + 1);
         }
     }
