@@ -109,14 +109,16 @@ private:
     void place()
     {
         const int front = frontWidth();
-        const int panelLeft = width() - front - kPanelWidth;
+        // The side column is never narrower than its widest row (the cursor readouts).
+        const int panelWidth = qMax(kPanelWidth, panel_->minimumSizeHint().width());
+        const int panelLeft = width() - front - panelWidth;
         const int plotWidth = qMax(40, panelLeft - kLevelLabelWidth - 8);
         const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
         p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
         p1_->setGeometry(kLevelLabelWidth, kTopMargin, plotWidth, plotHeight);
-        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + kPanelWidth - kLevelLabelWidth,
+        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + panelWidth - kLevelLabelWidth,
                          kFrequencyLabelHeight);
-        panel_->setGeometry(panelLeft, kTopMargin, kPanelWidth, plotHeight);
+        panel_->setGeometry(panelLeft, kTopMargin, panelWidth, plotHeight);
         front_->setGeometry(width() - front, 0, front, height());
     }
 
