@@ -120,7 +120,7 @@ QWidget *GrafikTests::buildRange()
     } rows[] = {{TestField::Start, "testText1", "Start (MHz)"},
                 {TestField::Stop, "testText2", "Stop (MHz)"},
                 {TestField::StepWidth, "incwidth", "Step width (kHz)"},
-                {TestField::StepBlocks, "steptime", "Meas.time"}};
+                {TestField::StepBlocks, "steptime", "Meas.time (blocks)"}};
     int row = 0;
     for (const auto &r : rows) {
         grid->addWidget(new QLabel(QLatin1String(r.caption), box), row, 0);
@@ -169,7 +169,7 @@ QWidget *GrafikTests::buildRun()
     grid->addWidget(boundCheck("testCheck4", QStringLiteral("Ambient")), 0, 2);
     grid->addWidget(new QLabel(QStringLiteral("Lim. distance"), box), 1, 2);
     grid->addWidget(numberField(TestField::LimitDistance, "testText4"), 1, 3);
-    grid->addWidget(new QLabel(QStringLiteral("Meas.time"), box), 0, 4);
+    grid->addWidget(new QLabel(QStringLiteral("Meas.time (s)"), box), 0, 4);
     grid->addWidget(numberField(TestField::SweepTime, "testText5"), 0, 5);
     grid->setColumnStretch(6, 1);
     return box;
