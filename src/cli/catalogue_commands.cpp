@@ -40,10 +40,17 @@ const char kComponentsUsage[] =
     "distance an antenna's factors hold for, in metres. --replace replaces the points of an existing\n"
     "component. Without --database: the working database of the user's data folder.\n";
 
+const char kTestsUsage[] =
+    "usage: delfor-cli tests [--database FILE]\n"
+    "Lists the EMC tests, one a line, tab-separated: name, kind (Step or Sweep + Step), range, step\n"
+    "width, detectors, peak limit, average limit. Without --database: the working database of the\n"
+    "user's data folder.\n";
+
 const QStringList kKindNames{"antenna", "loss", "gain"}; // in the order of column lostyp
 
 struct Arguments {
     bool limits = true; // or components
+    bool tests = false; // the EMC tests, with no action
     QString action;
     QString name;
     QString file;
@@ -63,6 +70,8 @@ int message(const QString &text, int exitCode)
 // What is wrong with a command line whose options were all understood; empty when nothing.
 QString argumentError(const Arguments &a, int positionalCount)
 {
+    if (a.tests)
+        return positionalCount == 0 ? QString() : "tests takes no arguments but --database";
     if (a.action != "list" && a.action != "import" && a.action != "export")
         return a.action.isEmpty() ? "no action given (list, import or export)" : "unknown action: " + a.action;
     if (positionalCount != (a.action == "list" ? 1 : 3))
@@ -85,6 +94,7 @@ std::optional<Arguments> parseArguments(const QStringList &args, QString &error)
 {
     Arguments a;
     a.limits = args[0] == "limits";
+    a.tests = args[0] == "tests";
     QStringList positional;
     for (int i = 1; i < args.size() && error.isEmpty(); ++i) {
         const QString &arg = args[i];
@@ -98,7 +108,7 @@ std::optional<Arguments> parseArguments(const QStringList &args, QString &error)
             a.help = true;
         } else if (arg == "--database") {
             a.database = value();
-        } else if (arg == "--replace") {
+        } else if (arg == "--replace" && !a.tests) {
             a.replace = true;
         } else if (arg == "--kind" && !a.limits) {
             const QString kind = value();
@@ -210,6 +220,38 @@ int list(QSqlDatabase db, bool limits)
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
+// One line a test: name, kind, range, step width, detectors, the two limits ("Not set" for none).
+int listTests(QSqlDatabase db)
+{
+    QSqlQuery query(db);
+    const bool ok = query.exec(QStringLiteral(
+        "select t.name, t.mode, t.startfreq, t.stopfreq, t.step, t.peakdet, t.AVdet, p.limitname, a.limitname "
+        "from test t left join LimitHead p on p.limitnr = t.peak left join LimitHead a on a.limitnr = t.average "
+        "order by t.name collate nocase, t.rowid"));
+    if (!ok)
+        return message("the tests cannot be read", 1);
+    QByteArray out;
+    while (query.next()) {
+        // A run takes every mode but 1 for Sweep + Step; peakdet 1 adds the quasi-peak to the peak.
+        QStringList detectors{QStringLiteral("Peak")};
+        if (query.value(5).toInt() == 1)
+            detectors << QStringLiteral("Quasipeak");
+        if (query.value(6).toInt() != 0)
+            detectors << QStringLiteral("Average");
+        const auto limit = [&](int k) { return query.value(k).isNull() ? QStringLiteral("Not set") : query.value(k).toString(); };
+        out += QStringList{query.value(0).toString(),
+                           query.value(1).toInt() == 1 ? QStringLiteral("Step") : QStringLiteral("Sweep + Step"),
+                           floatText(query.value(2).toFloat()) + " - " + floatText(query.value(3).toFloat()) + " MHz",
+                           floatText(query.value(4).toFloat()) + " kHz", detectors.join(QStringLiteral(" + ")),
+                           limit(7), limit(8)}
+                   .join('\t')
+                   .toUtf8() +
+               '\n';
+    }
+    std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
+
 CsvOutcome transfer(QSqlDatabase db, const Arguments &a)
 {
     if (a.action == "export")
@@ -225,7 +267,7 @@ int catalogueCommand(const QStringList &args)
 {
     QString error;
     const std::optional<Arguments> a = parseArguments(args, error);
-    const char *usage = args[0] == "limits" ? kLimitsUsage : kComponentsUsage;
+    const char *usage = args[0] == "limits" ? kLimitsUsage : args[0] == "tests" ? kTestsUsage : kComponentsUsage;
     if (!a) {
         std::fputs(usage, stderr);
         return message(error, 2);
@@ -237,6 +279,8 @@ int catalogueCommand(const QStringList &args)
     const std::optional<OpenDatabase> open = openDatabase(*a);
     if (!open)
         return 1;
+    if (a->tests)
+        return listTests(open->handle());
     if (a->action == "list")
         return list(open->handle(), a->limits);
     const CsvOutcome outcome = transfer(open->handle(), *a);

@@ -23,7 +23,8 @@ const char kUsage[] =
     "                       [--mes FILE]\n"
     "       delfor-cli info FILE\n"
     "       delfor-cli limits list|import|export ... (--help for more)\n"
-    "       delfor-cli components list|import|export ... (--help for more)\n";
+    "       delfor-cli components list|import|export ... (--help for more)\n"
+    "       delfor-cli tests [--database FILE]\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -153,7 +154,7 @@ int main(int argc, char **argv)
     // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));
     const QStringList arguments = app.arguments();
-    if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components"))
+    if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components" || arguments[1] == "tests"))
         return catalogueCommand(arguments.mid(1));
     QString error;
     const auto options = parseOptions(app.arguments(), error);

@@ -202,6 +202,17 @@ struct AppState {
     qint16 emcRunActive = 0;
     quint8 emcStopRequest = 0;
     qint16 modeSwitchSettingsPrompt = 0;
+
+    // The EMC test in force, taken from its row by applyEmcTest.
+    quint8 testApplyView = 0;     // 1: the next applyEmcTest also resets the chart's window and views
+    float stepWidth = 0.12f;      // MHz
+    quint8 stepBlocks = 1;        // blocks measured at each step
+    qint16 sweepTime = 10;        // seconds of one sweep in Sweep + Step
+    quint8 limitReference = 0;    // 0 the peak limit, 1 the average limit
+    float limitDistance = -6.0f;  // dB
+    qint16 testHorizontal = -1, testVertical = 0; // -1: the round is run
+    // The page fTest's working copies: the test's reference level, its unit's offset, its attenuator.
+    float testRefLevel = -30.0f, testUnitOffset = 0.0f, testAttenuator = 10.0f;
     qint32 timer3Ticks = 0;
 
     quint8 decimalChar = 46;

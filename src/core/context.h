@@ -6,6 +6,7 @@
 #include "core/frame_controls.h"
 #include "core/panel_controls.h"
 #include "core/platform.h"
+#include "core/test_controls.h"
 
 #include <functional>
 #include <memory>
@@ -60,6 +61,9 @@ public:
     // The normal-mode panel of grafik, attached the same way while the form exists.
     PanelControls &panel() { return *panel_; }
     void attachPanel(PanelControls *panel) { panel_ = panel ? panel : &offscreenPanel_; }
+    // The EMC test page fTest of grafik, attached the same way.
+    TestControls &testPage() { return *testPage_; }
+    void attachTestPage(TestControls *page) { testPage_ = page ? page : &offscreenTestPage_; }
 
     // Folder of setting.def and the databases.
     QString dataFolder;
@@ -69,6 +73,8 @@ private:
     FrameControls *frame_ = &offscreenFrame_;
     PanelControls offscreenPanel_;
     PanelControls *panel_ = &offscreenPanel_;
+    TestControls offscreenTestPage_;
+    TestControls *testPage_ = &offscreenTestPage_;
 };
 
 // Runs a hook when a subsystem has set it.

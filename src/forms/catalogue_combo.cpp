@@ -21,5 +21,8 @@ void fillCombo(QComboBox *combo, const Context &ctx, const DataView &view, const
     Recordset rows(workingDatabase(ctx), view.source());
     for (rows.moveFirst(); !rows.isEof(); rows.moveNext())
         combo->addItem(rows.value(column).toString());
+    // No item is current: Return on a name in the box is taken only when it differs from the
+    // current item's text, so a filled list whose first item stood current would ignore that name.
+    combo->setCurrentIndex(-1);
     combo->setEditText(shown);
 }

@@ -3,6 +3,7 @@
 #include "chart/zoom_view.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_panel.h"
+#include "forms/grafik_tests.h"
 #include "store/catalogue_views.h"
 #include "core/context.h"
 
@@ -184,7 +185,8 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     connect(panel_, &GrafikPanel::distanceFromDutChanged, this, &GrafikForm::setDistanceLabel);
     equipment_ = new GrafikEquipment(ctx);
     grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_, panel_), QStringLiteral("Settings"));
-    grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_), QStringLiteral("EMC Test"));
+    tests_ = new GrafikTests(ctx);
+    grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_, tests_), QStringLiteral("EMC Test"));
     grtab_->addTab(equipment_, QStringLiteral("Equipment"));
     fSetunit_ = grtab_->widget(1)->findChild<QWidget *>(QStringLiteral("fSetunit"));
     fTest_ = grtab_->widget(2)->findChild<QWidget *>(QStringLiteral("fTest"));
@@ -416,6 +418,8 @@ void GrafikForm::tabChanged(int index)
         for (DataView *view : {&views.detecData1, &views.detecData2, &views.measData2})
             view->refresh();
         panel_->reload();
+    } else if (index == 2 && s.emcMode != 0) {
+        tests_->reload();
     } else if (index == 3) {
         for (DataView *view : {&views.LGData1, &views.lgData2, &views.limData1, &views.limData2, &views.limData3,
                                &views.conData1, &views.conData2, &views.conData3, &views.known})

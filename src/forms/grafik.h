@@ -13,6 +13,7 @@
 class Context;
 class GrafikEquipment;
 class GrafikPanel;
+class GrafikTests;
 class QCheckBox;
 class QFrame;
 class QLabel;
@@ -117,6 +118,7 @@ private:
     std::array<QLabel *, 6> readouts_{}; // freqa, leva, freqb, levb, freqab, levab
     QFrame *frame1_ = nullptr;
     GrafikPanel *panel_ = nullptr;
+    GrafikTests *tests_ = nullptr;
     GrafikEquipment *equipment_ = nullptr;
     QWidget *fSetunit_ = nullptr;
     QWidget *fTest_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include "chart/measurement_panel.h"
 #include "core/context.h"
+#include "emc/emc_test.h"
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
 #include "store/database.h"
@@ -13,5 +14,6 @@ void attachLogic(Context &ctx)
     attachStore(ctx);
     attachCatalogueRefresh(ctx);
     attachMeasurementPanel(ctx);
+    attachEmcTest(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
 }

@@ -33,6 +33,14 @@ const StartingSource kStartingSources[] = {
     {&CatalogueViews::measData1, "select * from unit order by unitname"},
     {&CatalogueViews::measData2, "select * from config order by configname"},
     {&CatalogueViews::measData3, "select * from loshead order by losnr"},
+    {&CatalogueViews::testData1, "select * from test order by name"},
+    {&CatalogueViews::testData2, "select * from config order by configname"},
+    {&CatalogueViews::testData3, "select * from LimitHead order by limitname"},
+    {&CatalogueViews::testData4, "select * from unit order by unitname"},
+    {&CatalogueViews::emcData2, "select * from unit order by unitname"},
+    {&CatalogueViews::emcData3, "select * from config order by configname"},
+    {&CatalogueViews::emcData4, "select * from LimitHead order by limitname"},
+    {&CatalogueViews::emcData5, "select * from loshead order by losnr"},
 };
 
 } // namespace

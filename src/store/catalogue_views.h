@@ -22,6 +22,14 @@ struct CatalogueViews {
     DataView measData1;  // units of the panel
     DataView measData2;  // configurations of the panel
     DataView measData3;  // loshead, for the distance of a configuration's first component
+    DataView testData1;  // the EMC tests by name, the page fTest edits the current one
+    DataView testData2;  // configurations of the page fTest
+    DataView testData3;  // limit heads of the page fTest
+    DataView testData4;  // units of the page fTest
+    DataView emcData2;   // units, configurations, limit heads and components that applyEmcTest reads
+    DataView emcData3;
+    DataView emcData4;
+    DataView emcData5;
     QString connection;  // of the working database the views read
 };
 

@@ -124,6 +124,8 @@ private slots:
             << QStringList{"components", "import", "A", "--kind", "antenna", "--distance", "far", "a.csv"};
         QTest::newRow("database without file") << QStringList{"limits", "list", "--database"};
         QTest::newRow("unknown option") << QStringList{"components", "list", "--all"};
+        QTest::newRow("tests with a name") << QStringList{"tests", "A"};
+        QTest::newRow("tests with replace") << QStringList{"tests", "--replace"};
     }
     void badArguments()
     {
@@ -132,6 +134,29 @@ private slots:
         QCOMPARE(run.exitCode, 2);
         QVERIFY(run.err.contains("usage: delfor-cli " + args[0]));
         QCOMPARE(run.out, QString());
+    }
+
+    // One line a test in name order; a limit that no longer exists and a test of no kind known
+    // to a run (mode 2: a run takes it for Sweep + Step) are listed as a run would take them.
+    void testsListing()
+    {
+        QString firstLimit;
+        {
+            SqliteFile file(m_database);
+            QSqlQuery q(file.handle());
+            QVERIFY(q.exec("delete from test"));
+            QVERIFY(q.exec("insert into test (name, mode, startfreq, stopfreq, step, peakdet, AVdet, peak, average) "
+                           "values ('O''Brien''s test', 1, 0.15, 30, 9, 0, -1, 999, "
+                           "(select limitnr from LimitHead order by limitname limit 1))"));
+            QVERIFY(q.exec("insert into test (name, mode, startfreq, stopfreq, step, peakdet, AVdet, peak, average) "
+                           "values ('Antenna', 2, 30, 1000.5, 120, 1, 0, 0, 0)"));
+            QVERIFY(q.exec("select limitname from LimitHead order by limitname limit 1") && q.next());
+            firstLimit = q.value(0).toString();
+        }
+        const CliRun run = cli({"tests", "--database", m_database});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.out, "Antenna\tSweep + Step\t30 - 1000.5 MHz\t120 kHz\tPeak + Quasipeak\tNot set\tNot set\n"
+                          "O'Brien's test\tStep\t0.15 - 30 MHz\t9 kHz\tPeak + Average\tNot set\t" + firstLimit + "\n");
     }
 
     // Without --database the working database of the data folder is made as the program makes it.
