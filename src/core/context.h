@@ -5,6 +5,7 @@
 #include "core/app_state.h"
 #include "core/frame_controls.h"
 #include "core/panel_controls.h"
+#include "core/run_controls.h"
 #include "core/platform.h"
 
 #include <functional>
@@ -38,6 +39,8 @@ struct SubsystemCalls {
     std::function<void()> steppedScanStep;
     std::function<void()> printNow;
     std::function<void()> applyEmcTest;
+    // One sweep round of a Sweep + Step run (with its step pass when the DUT is on).
+    std::function<void()> sweepRound;
 };
 
 class Context {
@@ -60,6 +63,9 @@ public:
     // The normal-mode panel of grafik, attached the same way while the form exists.
     PanelControls &panel() { return *panel_; }
     void attachPanel(PanelControls *panel) { panel_ = panel ? panel : &offscreenPanel_; }
+    // The controls an EMC run locks and the scan's labels and timer, attached by the main frame.
+    RunControls &run() { return *run_; }
+    void attachRunControls(RunControls *run) { run_ = run ? run : &offscreenRun_; }
 
     // Folder of setting.def and the databases.
     QString dataFolder;
@@ -69,6 +75,8 @@ private:
     FrameControls *frame_ = &offscreenFrame_;
     PanelControls offscreenPanel_;
     PanelControls *panel_ = &offscreenPanel_;
+    RunControls offscreenRun_;
+    RunControls *run_ = &offscreenRun_;
 };
 
 // Runs a hook when a subsystem has set it.
