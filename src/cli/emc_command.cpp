@@ -38,8 +38,12 @@ public:
 
     MsgAnswer messageBox(const QString &title, const QString &text, MsgButtons buttons) override
     {
-        if (title != kSteppedTitle && title != kSweepStepTitle)
+        if (title != kSteppedTitle && title != kSweepStepTitle) {
+            // Only the link's failures come as other boxes; the first tells the reason.
+            if (!linkFailure)
+                linkFailure = text.trimmed();
             return ConsolePrompts::messageBox(title, text, buttons);
+        }
         std::printf("%s: %s%s\n", qPrintable(title), qPrintable(text), yes_ ? "" : " [Enter]");
         std::fflush(stdout);
         char line[256];
@@ -49,6 +53,8 @@ public:
         return MsgAnswer::Ok;
     }
     std::optional<QString> saveFileDialog(const FileDialogRequest &) override { return out_; }
+
+    std::optional<QString> linkFailure;
 
 private:
     QString out_;
@@ -144,15 +150,14 @@ int emcCommand(Context &ctx, const EmcRequest &request)
     s.emcMode = 1;
     startEmcRun(ctx);
     tickSteppedScan(ctx);
-    const bool linkFailed = s.online != 1;
-    const QString error = s.errorText;
+    const std::optional<QString> linkFailure = static_cast<RunPrompts &>(ctx.prompts).linkFailure;
     // The ending of a Step run leaves the unit remote; the command gives it back, as every command does.
-    if (!linkFailed && s.emcScanMode == 1)
+    if (!linkFailure && s.emcScanMode == 1)
         goLocal(ctx);
     ctx.attachRunControls(nullptr);
     const auto summary = describeMeasurementFile(request.out);
     std::printf("rows written: %d\n", summary ? summary->rowCount : 0);
-    if (linkFailed)
-        return fail(error.isEmpty() ? QStringLiteral("the link to the unit failed") : error);
+    if (linkFailure)
+        return fail(*linkFailure);
     return interrupted ? 130 : 0;
 }

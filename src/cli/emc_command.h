@@ -15,7 +15,8 @@ struct EmcRequest {
     bool yes = false;
 };
 
-// The prompts of the run's context: the operator's boxes on standard output, the file of --out.
+// The prompts of the run's context, which emcCommand needs: the operator's boxes on standard
+// output, the file of --out, the first failure of the link kept.
 std::unique_ptr<Prompts> runPrompts(const EmcRequest &request);
 
 // Exit code: 0 the run completed, 1 it ended on a link failure (or no working database),
