@@ -1,63 +1,27 @@
 // Cost of converting one trace block with five components in the correction chain.
 
-#include "core/clock.h"
-#include "core/scripted_prompts.h"
-#include "link/qt_serial_port.h"
-#include "signal/correction_chain.h"
+#include "chain_bench.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <vector>
-
-namespace {
-
-constexpr int kRuns = 2001;
-constexpr double kTargetMicroseconds = 50.0;
-
-// About twenty points from 25 to 1100 MHz, each component on its own grid and curve.
-QList<ComponentRow> component(qint32 losnr)
-{
-    QList<ComponentRow> rows;
-    for (int j = 0; j < 20 + losnr; ++j)
-        rows.append({25.0f + j * 1075.0f / (19 + losnr), float(losnr) + 0.37f * j - 0.02f * j * j});
-    return rows;
-}
-
-double medianMicroseconds(Context &ctx)
-{
-    std::vector<double> times;
-    for (int run = 0; run < kRuns; ++run) {
-        for (int i = 1; i <= ctx.state.pointCount; ++i)
-            ctx.state.traces.rawSamples[i] = qint16((i * 37 + run) % 256);
-        const auto t0 = std::chrono::steady_clock::now();
-        convertBlock(ctx);
-        times.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - t0).count());
-    }
-    std::nth_element(times.begin(), times.begin() + kRuns / 2, times.end());
-    return times[kRuns / 2];
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
+    constexpr int kRuns = 2001;
+    constexpr double kTargetMicroseconds = 50.0;
     QCoreApplication app(argc, argv);
-    Context ctx(Platform{std::make_unique<SystemClock>(), std::make_unique<ScriptedPrompts>(),
-                         std::make_unique<QtSerialPort>()});
-    AppState &s = ctx.state;
-    s.correctionOn = 1;
-    s.componentNumber = {1, 2, 3, 4, 5};
-    s.distanceFromDut = 3.0f;
-    s.maxholdLimitDistance = 10.0f;
+    const auto ctx = fiveComponentContext();
+    AppState &s = ctx->state;
     s.chart.startFrequency = 30.0f;
     s.chart.stopFrequency = 1000.0f;
-    ctx.calls.componentRows = component;
-    openChain(ctx);
-
-    const double median = medianMicroseconds(ctx);
+    const double median = medianMicroseconds(
+        kRuns,
+        [&s](int run) {
+            for (int i = 1; i <= s.pointCount; ++i)
+                s.traces.rawSamples[i] = qint16((i * 37 + run) % 256);
+        },
+        [&ctx] { convertBlock(*ctx); });
     std::printf("convertBlock, five components: %.1f us per block (target < %.0f us), median of %d blocks\n",
                 median, kTargetMicroseconds, kRuns);
     return median < kTargetMicroseconds ? 0 : 1;

@@ -111,14 +111,16 @@ private:
     void place()
     {
         const int front = frontWidth();
-        const int panelLeft = width() - front - kPanelWidth;
+        // The side column is never narrower than its widest row (the cursor readouts).
+        const int panelWidth = qMax(kPanelWidth, panel_->minimumSizeHint().width());
+        const int panelLeft = width() - front - panelWidth;
         const int plotWidth = qMax(40, panelLeft - kLevelLabelWidth - 8);
         const int plotHeight = qMax(40, height() - kTopMargin - kFrequencyLabelHeight - 4);
         p2_->setGeometry(0, kTopMargin, kLevelLabelWidth, height() - kTopMargin);
         p1_->setGeometry(kLevelLabelWidth, kTopMargin, plotWidth, plotHeight);
-        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + kPanelWidth - kLevelLabelWidth,
+        p3_->setGeometry(kLevelLabelWidth, kTopMargin + plotHeight, panelLeft + panelWidth - kLevelLabelWidth,
                          kFrequencyLabelHeight);
-        panel_->setGeometry(panelLeft, kTopMargin, kPanelWidth, plotHeight);
+        panel_->setGeometry(panelLeft, kTopMargin, panelWidth, plotHeight);
         front_->setGeometry(width() - front, 0, front, height());
     }
 
@@ -302,7 +304,7 @@ QWidget *GrafikForm::buildCursorReadouts()
 {
     auto *box = new QWidget;
     auto *grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 8, 0, 0);
+    grid->setContentsMargins(0, 8, 4, 0);
     grid->setVerticalSpacing(1);
     const char *names[] = {"freqa", "leva", "freqb", "levb", "freqab", "levab"};
     const char *rows[] = {"A", "B", "A-B"};
@@ -312,6 +314,9 @@ QWidget *GrafikForm::buildCursorReadouts()
             QLabel *&readout = readouts_[row * 2 + column];
             readout = label(names[row * 2 + column], QString(), box);
             readout->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            // Room for the widest readout, so that a longer value never runs out of the column.
+            readout->setMinimumWidth(readout->fontMetrics().horizontalAdvance(
+                QLatin1String(column == 0 ? "0000.000M" : "-000.0")));
             grid->addWidget(readout, row, column + 1);
         }
     }

