@@ -104,9 +104,9 @@ private slots:
     void breakingOffKeepsTheFinishedRows()
     {
         QFETCH(int, signal);
-        Bench b(30.0);
         if (!Bench(0.3).appliesTests())
             QSKIP("the test definitions are not wired in this build");
+        Bench b(30.0); // its data folder in force from here
         QProcess p;
         b.startUntilRows(p, 5);
         ::kill(pid_t(p.processId()), signal);
