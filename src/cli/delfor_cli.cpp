@@ -2,6 +2,7 @@
 
 #include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
+#include "cli/emc_command.h"
 #include "cli/unit_commands.h"
 #include "core/clock.h"
 #include "link/discovery.h"
@@ -22,6 +23,7 @@ const char kUsage[] =
     "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n"
     "                       [--mes FILE]\n"
     "       delfor-cli info FILE\n"
+    "       delfor-cli emc --test NAME --out FILE.emc [--database FILE] [connection options] [--yes]\n"
     "       delfor-cli limits list|import|export ... (--help for more)\n"
     "       delfor-cli components list|import|export ... (--help for more)\n"
     "       delfor-cli tests [--database FILE]\n";
@@ -36,6 +38,7 @@ struct Options {
     int timeout = 4;
     ReadRequest request;
     QString file; // of info
+    EmcRequest emc;
 };
 
 // Reads the command line; an error text when it cannot be used.
@@ -61,6 +64,14 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
             o.request.csv = value();
         else if (arg == "--mes")
             o.request.mes = value();
+        else if (arg == "--test")
+            o.emc.test = value();
+        else if (arg == "--out")
+            o.emc.out = value();
+        else if (arg == "--database")
+            o.emc.database = value();
+        else if (arg == "--yes")
+            o.emc.yes = true;
         else if (o.command.isEmpty() && !arg.startsWith('-'))
             o.command = arg;
         else if (o.command == "info" && o.file.isEmpty() && !arg.startsWith('-'))
@@ -68,7 +79,7 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
         else
             error = "unknown argument: " + arg;
     }
-    if (error.isEmpty() && o.command != "identify" && o.command != "read" && o.command != "info")
+    if (error.isEmpty() && !QStringList{"identify", "read", "info", "emc"}.contains(o.command))
         error = o.command.isEmpty() ? "no command given" : "unknown command: " + o.command;
     for (const QString &trace : o.request.traces)
         if (error.isEmpty() && !kTraceNames.contains(trace))
@@ -78,6 +89,10 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
         error = "--traces, --csv and --mes need a value";
     if (error.isEmpty() && o.command == "info" && o.file.isEmpty())
         error = "info needs a file";
+    if (error.isEmpty() && o.command == "emc" && (o.emc.test.trimmed().isEmpty() || o.emc.out.isEmpty()))
+        error = "emc needs --test NAME and --out FILE.emc";
+    if (error.isEmpty() && o.emc.database && o.emc.database->isEmpty())
+        error = "--database needs a file";
     if (error.isEmpty() && std::find(std::begin(kBaudRates), std::end(kBaudRates), o.baud) == std::end(kBaudRates))
         error = "baud rate must be 4800, 9600, 19200, 38400 or 115200";
     if (error.isEmpty() && (o.timeout < 1 || o.timeout > 255))
@@ -95,7 +110,7 @@ std::optional<Options> parseOptions(const QStringList &args, QString &error)
 std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
 {
     Platform platform;
-    platform.prompts = std::make_unique<ConsolePrompts>();
+    platform.prompts = o.command == "emc" ? runPrompts(o.emc) : std::make_unique<ConsolePrompts>();
     if (o.simulatedModel) {
         analyser.model = *o.simulatedModel;
         auto clock = std::make_unique<VirtualClock>(QDateTime::currentDateTime());
@@ -167,5 +182,7 @@ int main(int argc, char **argv)
         return info(options->file);
     Analyser analyser;
     const auto ctx = openContext(*options, analyser);
+    if (options->command == "emc")
+        return emcCommand(*ctx, options->emc);
     return options->command == "read" ? readUnit(*ctx, options->request) : identifyUnit(*ctx);
 }

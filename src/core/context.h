@@ -5,6 +5,7 @@
 #include "core/app_state.h"
 #include "core/frame_controls.h"
 #include "core/panel_controls.h"
+#include "core/run_controls.h"
 #include "core/platform.h"
 #include "core/test_controls.h"
 
@@ -39,6 +40,8 @@ struct SubsystemCalls {
     std::function<void()> steppedScanStep;
     std::function<void()> printNow;
     std::function<void()> applyEmcTest;
+    // One sweep round of a Sweep + Step run (with its step pass when the DUT is on).
+    std::function<void()> sweepRound;
 };
 
 class Context {
@@ -64,6 +67,9 @@ public:
     // The EMC test page fTest of grafik, attached the same way.
     TestControls &testPage() { return *testPage_; }
     void attachTestPage(TestControls *page) { testPage_ = page ? page : &offscreenTestPage_; }
+    // The controls an EMC run locks and the scan's labels and timer, attached by the main frame.
+    RunControls &run() { return *run_; }
+    void attachRunControls(RunControls *run) { run_ = run ? run : &offscreenRun_; }
 
     // Folder of setting.def and the databases.
     QString dataFolder;
@@ -75,6 +81,8 @@ private:
     PanelControls *panel_ = &offscreenPanel_;
     TestControls offscreenTestPage_;
     TestControls *testPage_ = &offscreenTestPage_;
+    RunControls offscreenRun_;
+    RunControls *run_ = &offscreenRun_;
 };
 
 // Runs a hook when a subsystem has set it.

@@ -1,5 +1,7 @@
 #include "forms/grafik.h"
 
+#include "emc/run_controller.h"
+
 #include "chart/zoom_view.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_panel.h"
@@ -361,14 +363,43 @@ QFrame *GrafikForm::buildEmcFrame()
 {
     auto *frame = named(new QFrame(this), "Frame1");
     frame->setFrameShape(QFrame::StyledPanel);
-    auto *row = new QHBoxLayout(frame);
+    auto *column = new QVBoxLayout(frame);
+    auto *row = new QHBoxLayout;
+    auto *viewRow = new QHBoxLayout;
+    column->addLayout(row);
+    column->addLayout(viewRow);
     auto *start = named(new QPushButton(QStringLiteral("Start the selected EMC-Ttest"), frame), "emcCommand1");
     auto *stop = named(new QPushButton(QStringLiteral("Stop"), frame), "emcCommand2");
+    connect(start, &QPushButton::clicked, this, [this] { startEmcRun(ctx_); });
+    connect(stop, &QPushButton::clicked, this, [this] { stopEmcRun(ctx_); });
     row->addWidget(start);
     row->addWidget(stop);
     row->addWidget(label("emcLabel1", QString(), frame));
     row->addWidget(label("emcLabel3", QString(), frame));
     row->addStretch(1);
+    // The view boxes: the detectors' results and the sweep, the ambient and its use.
+    AppState &s = ctx_.state;
+    const struct {
+        const char *caption;
+        quint8 *field;
+    } views[] = {{"Max. Hold", &s.viewMaxhold},          {"Quasipeak", &s.viewQPeak},
+                 {"Average", &s.viewAverage},            {"Sweep", &s.viewMemoryB},
+                 {"Calc/View Horizontal", &s.emcViewAmbientH}, {"Calc/View Vertical", &s.emcViewAmbientV},
+                 {"Calc On", &s.emcCalcAmbient},         {"View Ambient", &s.emcViewAmbient}};
+    for (int i = 0; i < 8; ++i) {
+        auto *check = named(new QCheckBox(QLatin1String(views[i].caption), frame),
+                            QByteArray("emcCheck" + QByteArray::number(i + 1)).constData());
+        check->setChecked(*views[i].field == 1);
+        quint8 *field = views[i].field;
+        // The flags act at the next paint.
+        connect(check, &QCheckBox::clicked, this, [field](bool on) { *field = on ? 1 : 0; });
+        viewRow->addWidget(check);
+    }
+    auto *distance = named(new QLineEdit(QString::number(s.emcAmbientDistance), frame), "emcText1");
+    distance->setToolTip(QStringLiteral("Difference between signals and ambient"));
+    distance->setMaximumWidth(50);
+    viewRow->addWidget(distance);
+    viewRow->addStretch(1);
     const char *modes[] = {"Hor/L+Ver/N", "Hor/L", "Ver/N"};
     for (int i = 0; i < 3; ++i) {
         auto *mode = new QRadioButton(QLatin1String(modes[i]), frame);

@@ -8,6 +8,7 @@
 #include "forms/app.h"
 #include "forms/boxcom.h"
 #include "forms/colordef.h"
+#include "forms/run_controls_view.h"
 #include "forms/grafik_components.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_limits.h"
@@ -117,6 +118,8 @@ MainFrame::MainFrame(Context &ctx, QWidget *parent) : QMainWindow(parent), ctx_(
     buildTimers();
     resize(1100, 760);
     ctx_.attachFrame(this);
+    runControls_ = std::make_unique<RunControlsView>(*this);
+    ctx_.attachRunControls(runControls_.get());
     ctx_.calls.enterNormalMode = [this] { enterNormalMode(); };
     ctx_.calls.enterEmcMode = [this] { enterEmcMode(); };
     ctx_.calls.paintChart = [this] { paintChart(); };
@@ -128,6 +131,7 @@ MainFrame::~MainFrame()
     ctx_.calls.enterEmcMode = nullptr;
     ctx_.calls.paintChart = nullptr;
     ctx_.attachFrame(nullptr);
+    ctx_.attachRunControls(nullptr);
     if (busyCursor)
         QApplication::restoreOverrideCursor();
 }

@@ -8,6 +8,8 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <memory>
+
 class QAction;
 class QCheckBox;
 class QLabel;
@@ -19,6 +21,7 @@ class QTimer;
 class QToolBar;
 class BoxcomForm;
 class GrafikForm;
+class RunControlsView;
 class TrForm;
 
 class MainFrame : public QMainWindow, public FrameControls {
@@ -99,4 +102,5 @@ private:
     // The default extension the file dialog was last given; it stays with the dialog between uses.
     QString rememberedExtension_ = QStringLiteral("MES");
     bool unloaded_ = false;
+    std::unique_ptr<RunControlsView> runControls_;
 };

@@ -3,6 +3,7 @@
 #include "chart/measurement_panel.h"
 #include "core/context.h"
 #include "emc/emc_test.h"
+#include "emc/stepped_scan.h"
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
 #include "store/database.h"
@@ -16,4 +17,5 @@ void attachLogic(Context &ctx)
     attachMeasurementPanel(ctx);
     attachEmcTest(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
+    ctx.calls.steppedScanStep = [&ctx] { stepTick(ctx); };
 }
