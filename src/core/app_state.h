@@ -219,17 +219,12 @@ struct AppState {
     quint16 tauf30 = 2, tauf1000 = 2, tent30 = 320, tent1000 = 1100;
     double qpeakValue = 0.0;      // the quasi-peak detector's state, linear amplitude
     qint16 horizontalRound = 0;   // -1 in the horizontal / L round, 0 in the vertical / N one
-    // The run: the rounds the test asks for (-1 or 0), whether the rows of the file exist yet,
-    // the ambient round (0 DUT on, 1 ambient H / L, 2 ambient V / N), and applyEmcTest's view reset.
-    qint16 testHorizontal = 0, testVertical = 0;
+    // The run: whether the rows of the file exist yet, the ambient round (0 DUT on, 1 ambient
+    // H / L, 2 ambient V / N).
     quint8 rowsExist = 0;
     quint8 ambientRound = 0;
-    quint8 testApplyView = 0;
-    // The stepped scan: the step width in MHz and the blocks per frequency of the test, the
-    // frequency last commanded, the blocks still to start there, the blocks since the progress
-    // caption, and the times of that caption and of the round's start.
-    float stepWidth = 0.1f;
-    quint8 stepBlocks = 1;
+    // The stepped scan: the frequency last commanded, the blocks still to start there, the blocks
+    // since the progress caption, and the times of that caption and of the round's start.
     double stepFrequency = 0.0, stepIncrement = 0.0;
     quint8 stepBlocksLeft = 0;
     qint16 stepCounter = 0;
