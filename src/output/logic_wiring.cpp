@@ -2,6 +2,7 @@
 
 #include "chart/measurement_panel.h"
 #include "core/context.h"
+#include "output/report_output.h"
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
 #include "store/database.h"
@@ -14,4 +15,5 @@ void attachLogic(Context &ctx)
     attachCatalogueRefresh(ctx);
     attachMeasurementPanel(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
+    ctx.calls.printNow = [&ctx] { printChartCommand(ctx); };
 }
