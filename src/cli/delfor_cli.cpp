@@ -2,6 +2,7 @@
 
 #include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
+#include "cli/report_command.h"
 #include "cli/unit_commands.h"
 #include "core/clock.h"
 #include "link/discovery.h"
@@ -11,8 +12,10 @@
 #include "store/measurement_file.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 namespace {
@@ -23,7 +26,9 @@ const char kUsage[] =
     "                       [--mes FILE]\n"
     "       delfor-cli info FILE\n"
     "       delfor-cli limits list|import|export ... (--help for more)\n"
-    "       delfor-cli components list|import|export ... (--help for more)\n";
+    "       delfor-cli components list|import|export ... (--help for more)\n"
+    "       delfor-cli report FILE.mes|FILE.emc --pdf OUT.pdf [--landscape] [--black] [--headline TEXT] [--notes]\n"
+    "                         [--png OUT.png]\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -149,6 +154,14 @@ int info(const QString &path)
 
 int main(int argc, char **argv)
 {
+    // A report draws text, which needs the fonts of a GUI application; it runs without a screen.
+    if (argc > 1 && std::strcmp(argv[1], "report") == 0) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("delfor"));
+        return reportCommand(app.arguments().mid(1));
+    }
     QCoreApplication app(argc, argv);
     // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));

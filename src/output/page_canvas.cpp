@@ -14,7 +14,8 @@ bool finite(QPointF p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
 
 } // namespace
 
-PageCanvas::PageCanvas(QPaintDevice &device, QPagedPaintDevice *pages) : device_(device), pages_(pages)
+PageCanvas::PageCanvas(QPaintDevice &device, QPagedPaintDevice *pages, bool paper)
+    : device_(device), pages_(pages), paper_(paper)
 {
     font_.setFamily(QStringLiteral("arial"));
     font_.setStyleHint(QFont::SansSerif);

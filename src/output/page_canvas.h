@@ -16,8 +16,9 @@ class QPagedPaintDevice;
 
 class PageCanvas : public ReportCanvas {
 public:
-    // `pages` is `device` when it is a paged one (a printer, a PDF writer), else null.
-    explicit PageCanvas(QPaintDevice &device, QPagedPaintDevice *pages = nullptr);
+    // `pages` is `device` when it is a paged one (a printer, a PDF writer), else null; `paper`
+    // when it is a printer.
+    explicit PageCanvas(QPaintDevice &device, QPagedPaintDevice *pages = nullptr, bool paper = false);
     ~PageCanvas() override;
     PageCanvas(const PageCanvas &) = delete;
     PageCanvas &operator=(const PageCanvas &) = delete;
@@ -48,6 +49,7 @@ public:
     double currentY() const override { return textY_; }
     void newPage() override;
     void endDocument() override;
+    bool onPaper() const override { return paper_; }
 
 private:
     // Begins the painter or the pending page; false when there is nothing to draw on.
@@ -59,6 +61,7 @@ private:
 
     QPaintDevice &device_;
     QPagedPaintDevice *pages_;
+    const bool paper_;
     QPainter painter_;
     QFont font_;
     bool ok_ = true;

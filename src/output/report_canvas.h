@@ -20,6 +20,8 @@ public:
     // y of the text position.
     virtual double currentY() const = 0;
     virtual void newPage() = 0;
+    // True when the pages come out of a printer, whose paper the user may have to turn.
+    virtual bool onPaper() const { return true; }
     // The document is complete: a printer starts printing, a file is written.
     virtual void endDocument() = 0;
 };

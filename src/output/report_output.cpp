@@ -49,7 +49,7 @@ void printChartCommand(Context &ctx)
     if (!name.isEmpty())
         printer.setPrinterName(name);
     printer.setDocName(ctx.state.headline.trimmed());
-    PageCanvas page(printer, &printer);
+    PageCanvas page(printer, &printer, true);
     printChart(ctx, page);
     if (!page.ok())
         ctx.prompts.messageBox(QStringLiteral("Print"),
@@ -68,7 +68,7 @@ bool writeReportPdf(Context &ctx, const QString &path)
     return page.ok();
 }
 
-bool writeChartPng(Context &ctx, const QString &path, QSize size)
+QImage chartPicture(Context &ctx, QSize size)
 {
     const int plotWidth = std::max(1, size.width() - kLevelLabelsWidth);
     const int plotHeight = std::max(1, size.height() - kFrequencyLabelsHeight);
@@ -84,5 +84,5 @@ bool writeChartPng(Context &ctx, const QString &path, QSize size)
     p.drawImage(0, 0, levels.image());
     p.drawImage(kLevelLabelsWidth, plotHeight, frequencies.image());
     p.end();
-    return picture.save(path, "PNG");
+    return picture;
 }

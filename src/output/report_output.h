@@ -2,6 +2,7 @@
 // Where a report goes: the printer chosen in the printer setup, or a PDF file; and the chart
 // alone as a picture.
 
+#include <QImage>
 #include <QSize>
 #include <QString>
 
@@ -18,6 +19,6 @@ void printChartCommand(Context &ctx);
 // The report as an A4 PDF file; false when the file could not be written.
 bool writeReportPdf(Context &ctx, const QString &path);
 
-// The chart alone, with its level labels at the left and its frequency labels below it, as a
-// PNG picture of `size` pixels; false when the file could not be written.
-bool writeChartPng(Context &ctx, const QString &path, QSize size);
+// The chart alone, painted as on the screen, with its level labels at the left and its frequency
+// labels below it, as a picture of `size` pixels.
+QImage chartPicture(Context &ctx, QSize size);

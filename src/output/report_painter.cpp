@@ -187,7 +187,8 @@ void ReportPainter::paint()
         if (twin_ == Twin::Print && s_.printNotes == 1) {
             if (!portrait) {
                 page_.newPage();
-                ctx_.prompts.messageBox(QStringLiteral("Print"), QStringLiteral("Ready to print notes? (Turn the paper)"));
+                if (page_.onPaper())
+                    ctx_.prompts.messageBox(QStringLiteral("Print"), QStringLiteral("Ready to print notes? (Turn the paper)"));
                 page_.setOrientation(ReportCanvas::Portrait);
                 setPageScale(1150000, 1.3);
                 header(12);
