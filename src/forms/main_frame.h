@@ -73,6 +73,7 @@ private:
     void loadMeasurementClicked();
     void saveMeasurementClicked();
     void printerSetupClicked();
+    void openSetprn();
     void databaseSelectionClicked();
     void exitClicked();
     void configurationClicked();
