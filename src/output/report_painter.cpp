@@ -61,11 +61,11 @@ private:
 };
 
 // A label picture of the chart on the page: its ticks are left out and its texts stand where
-// `place` puts them.
+// `place` puts them, in black on a black page.
 class PageLabels : public Canvas {
 public:
-    PageLabels(ReportCanvas &page, std::function<QPointF(double x, double y)> place)
-        : page_(page), place_(std::move(place))
+    PageLabels(ReportCanvas &page, bool black, std::function<QPointF(double x, double y)> place)
+        : page_(page), black_(black), place_(std::move(place))
     {
     }
 
@@ -81,7 +81,7 @@ public:
         const QPointF at = place_(x, y);
         page_.setTextPosition(at.x(), at.y());
     }
-    void setForeColour(quint32 colour) override { page_.setForeColour(colour); }
+    void setForeColour(quint32 colour) override { page_.setForeColour(black_ ? kBlack : colour); }
     void print(const QString &text) override { page_.print(text); }
     double textWidth(const QString &text) const override { return page_.textWidth(text); }
     int pixelWidth() const override { return page_.pixelWidth(); }
@@ -89,6 +89,7 @@ public:
 
 private:
     ReportCanvas &page_;
+    const bool black_;
     std::function<QPointF(double, double)> place_;
 };
 
@@ -116,8 +117,8 @@ class ReportPainter {
 public:
     ReportPainter(Context &ctx, ReportCanvas &page, Twin twin)
         : ctx_(ctx), s_(ctx.state), v_(ctx.state.chart), page_(page), twin_(twin), plot_(page),
-          frequencyLabels_(page, [this](double x, double) { return QPointF(x, v_.grafikMin - 1); }),
-          levelLabels_(page, [](double, double y) { return QPointF(-kPlotWidth / 15, y); }),
+          frequencyLabels_(page, s_.printInColour != 1, [this](double x, double) { return QPointF(x, v_.grafikMin - 1); }),
+          levelLabels_(page, s_.printInColour != 1, [](double, double y) { return QPointF(-kPlotWidth / 15, y); }),
           chart_(ctx, plot_, levelLabels_, frequencyLabels_, controls_)
     {
     }
