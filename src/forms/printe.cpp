@@ -42,6 +42,12 @@ void PrinteForm::refresh()
     picture1_->setPixmap(QPixmap::fromImage(picture_));
 }
 
+void PrinteForm::closeEvent(QCloseEvent *event)
+{
+    ctx_.state.previewOpen = 0;
+    QWidget::closeEvent(event);
+}
+
 void PrinteForm::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);

@@ -76,15 +76,19 @@ SetprnForm::SetprnForm(Context &ctx, QWidget *parent) : QDialog(parent), ctx_(ct
         close();
     });
     connect(cancel, &QPushButton::clicked, this, &SetprnForm::close);
+    // Escape rejects the dialog without closing it: close it, and the preview with it.
+    connect(this, &QDialog::rejected, this, &SetprnForm::close);
 
     printe_ = new PrinteForm(ctx_, parent);
     printe_->show();
 }
 
-SetprnForm::~SetprnForm()
+// The preview goes with the dialog.
+void SetprnForm::closeEvent(QCloseEvent *event)
 {
     if (printe_)
         printe_->close();
+    QDialog::closeEvent(event);
 }
 
 void SetprnForm::headlineEntered()

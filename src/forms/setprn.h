@@ -14,12 +14,12 @@ class SetprnForm : public QDialog {
     Q_OBJECT
 public:
     explicit SetprnForm(Context &ctx, QWidget *parent = nullptr);
-    ~SetprnForm() override;
 
     PrinteForm *preview() const { return printe_; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void headlineEntered();
