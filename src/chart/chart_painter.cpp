@@ -111,8 +111,6 @@ void ChartPainter::paintChart()
     {
         // The zoom window stands in for the real one during the paint.
         const ShownWindow shown(v);
-        sweepStart_ = shown.realStart;
-        sweepStop_ = shown.realStop;
         for (int pass = 1;; ++pass) {
             paintFrame();
             picture1_.setDrawMode(Canvas::CopyPen);
@@ -122,7 +120,7 @@ void ChartPainter::paintChart()
         }
         picture1_.setDrawWidth(1);
         controls_.setCaption(QString());
-        paintTraces();
+        paintTraces(shown);
         call(hooks.paintCursors);
         call(hooks.refreshLevelmeter);
         call(hooks.refreshPreview);

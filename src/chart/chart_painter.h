@@ -66,6 +66,12 @@ public:
     // Ends of the logarithmic axis on 1..9 steps and the decade of its start.
     void computeLogBounds();
 
+    // Steps of paintChart for a page that draws them in its own order: the grids with their
+    // labels, and the traces, which lie on the real window while `shown` stands in for it.
+    void paintFrequencyGrid();
+    void paintLevelGrid();
+    void paintTraces(const ShownWindow &shown);
+
     Canvas &picture1() { return picture1_; }
     Canvas &picture2() { return picture2_; }
     Canvas &picture3() { return picture3_; }
@@ -79,11 +85,9 @@ private:
     void paintFrame();
     void checkLogAxis();
     void showDistance();
-    void paintFrequencyGrid();
     void paintLinearGrid();
     void paintLogGrid();
     void paintZeroSpanLine();
-    void paintLevelGrid();
     void paintLevelLine(double y);
     void paintTraces();
     void paintLiveSweep();

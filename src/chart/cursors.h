@@ -45,10 +45,11 @@ public:
     void peakClicked();         // Command1 "CA -> PK": cursor A to the peak of the live traces
     void centreClicked();       // Command2 "CA = CF": the centre frequency to cursor A
     void doubleCentreClicked(); // Command3 "2 * CF": the centre frequency doubled
+    // The readouts of both cursors where they stand, as the paint shows them.
+    void showReadouts();
 
 private:
     void drawCursor(qint32 x, qint32 y, quint32 colour);
-    void showReadouts();
     void centreChanged();
 
     Context &ctx_;

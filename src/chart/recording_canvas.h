@@ -7,9 +7,11 @@
 #include <QList>
 #include <QString>
 
-class RecordingCanvas : public Canvas {
+class RecordingCanvas : public virtual Canvas {
 public:
-    enum class Op { Clear, Scale, DrawMode, DrawWidth, DrawStyle, Line, Box, TextPosition, ForeColour, Print };
+    enum class Op { Clear, Scale, DrawMode, DrawWidth, DrawStyle, Line, Box, TextPosition, ForeColour, Print,
+                    // the page's operations: the argument in x1, a font name in text
+                    FontName, FontSize, FontBold, FontUnderline, Orientation, NewLine, NewPage, EndDocument };
 
     struct Operation {
         Op op;
@@ -57,9 +59,10 @@ public:
     quint32 foreColour = 0;
     int width = 1, mode = CopyPen, style = Solid;
 
-private:
+protected:
     void record(Op op, double x1 = 0, double y1 = 0, double x2 = 0, double y2 = 0, quint32 colour = 0,
                 const QString &text = {});
 
+private:
     int pixelWidth_, pixelHeight_;
 };

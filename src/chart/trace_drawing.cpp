@@ -10,6 +10,13 @@
 #include <cmath>
 #include <tuple>
 
+void ChartPainter::paintTraces(const ShownWindow &shown)
+{
+    sweepStart_ = shown.realStart;
+    sweepStop_ = shown.realStop;
+    paintTraces();
+}
+
 void ChartPainter::paintTraces()
 {
     AppState &s = state();

@@ -3,6 +3,7 @@
 #include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
 #include "cli/emc_command.h"
+#include "cli/report_command.h"
 #include "cli/unit_commands.h"
 #include "core/clock.h"
 #include "link/discovery.h"
@@ -12,8 +13,10 @@
 #include "store/measurement_file.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 namespace {
@@ -26,7 +29,9 @@ const char kUsage[] =
     "       delfor-cli emc --test NAME --out FILE.emc [--database FILE] [connection options] [--yes]\n"
     "       delfor-cli limits list|import|export ... (--help for more)\n"
     "       delfor-cli components list|import|export ... (--help for more)\n"
-    "       delfor-cli tests [--database FILE]\n";
+    "       delfor-cli tests [--database FILE]\n"
+    "       delfor-cli report FILE.mes|FILE.emc --pdf OUT.pdf [--landscape] [--black] [--headline TEXT] [--notes]\n"
+    "                         [--png OUT.png]\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -165,6 +170,14 @@ int info(const QString &path)
 
 int main(int argc, char **argv)
 {
+    // A report draws text, which needs the fonts of a GUI application; it runs without a screen.
+    if (argc > 1 && std::strcmp(argv[1], "report") == 0) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("delfor"));
+        return reportCommand(app.arguments().mid(1));
+    }
     QCoreApplication app(argc, argv);
     // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));

@@ -247,6 +247,16 @@ struct AppState {
     QString headline = QStringLiteral("QUELT Instruments");
     QString printerName; // chosen in the printer setup for this run; empty: the system's default printer
 
+    // The report, as the print dialog sets it.
+    quint8 printVertical = 1;  // 1 portrait, 0 landscape
+    quint8 printCursor = 1;    // the cursors and their readouts on the page
+    quint8 printInColour = 1;  // 1 the printer colours, 0 everything black
+    quint8 printNotes = 0;     // the notes under the chart, or on a page of their own in landscape
+    quint8 printDate = 1;      // "Print date: " in the header
+    quint8 printBusy = 0;      // 1 while a page is drawn
+    quint8 limitNamePending = 0; // 1 until the first segment of a limit line has printed its name
+    quint8 previewOpen = 0;    // 1 while the preview form stands open
+
     ColourList screenColours = defaultColours();
     ColourList printColours = defaultColours();
 };

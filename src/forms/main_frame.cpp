@@ -14,7 +14,9 @@
 #include "forms/grafik_limits.h"
 #include "forms/levelmeter.h"
 #include "forms/loadset.h"
+#include "forms/printe.h"
 #include "forms/saveset.h"
+#include "forms/setprn.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
@@ -155,8 +157,8 @@ void MainFrame::buildToolBar()
     command("Command3", QStringLiteral("Set/Read"), &MainFrame::setReadClicked);
     command("Command4", QStringLiteral("Erase"), &MainFrame::eraseClicked);
     command("Command7", QStringLiteral("Refresh Chart"), &MainFrame::refreshChartClicked);
-    // Print and Notes open their forms once the report and the notes are part of the program.
-    command("Command1", QStringLiteral("Print"), [] {})->setEnabled(false);
+    command("Command1", QStringLiteral("Print"), &MainFrame::openSetprn);
+    // Notes opens its form once the notes are part of the program.
     command("Command5", QStringLiteral("Notes"), [] {})->setEnabled(false);
     // Hidden through its action: a widget in a tool bar is shown and hidden by the action that holds it.
     toolboxAction_ = command("Command6", QStringLiteral("Toolbox"), &MainFrame::toolboxClicked);
@@ -205,7 +207,7 @@ void MainFrame::buildMenu()
     mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
     item(mnusave_, "mnussettings", QStringLiteral("&Settings"), &MainFrame::openSaveset);
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
-    later(data, "mnuprint", QStringLiteral("&Print"));
+    item(data, "mnuprint", QStringLiteral("&Print"), &MainFrame::openSetprn);
     // The dialogs of the equipment catalogue; the editors on the chart's equipment tab reload after them.
     QMenu *equipment = menu(data, "mnuequipment", QStringLiteral("&Equipment"));
     const auto editor = [this](auto open) {
@@ -350,6 +352,10 @@ void MainFrame::showGrafik()
     if (!grafik_) {
         grafik_ = new GrafikForm(ctx_);
         grafik_->painter().hooks.refreshLevelmeter = [this] { findChild<LevelmeterForm *>()->refresh(); };
+        grafik_->painter().hooks.refreshPreview = [this] {
+            if (auto *printe = findChild<PrinteForm *>(); printe && ctx_.state.previewOpen == 1)
+                printe->refresh();
+        };
         grafikWindow_ = mdi_->addSubWindow(grafik_);
         const FormGeometry &g = ctx_.state.geometry;
         grafikWindow_->setGeometry(g.grafikLeft / kTwipsPerPixel, g.grafikTop / kTwipsPerPixel,
@@ -660,6 +666,16 @@ void MainFrame::saveMeasurementClicked()
     if (const QString failure = saveTraceMeasurement(ctx_); !failure.isEmpty())
         ctx_.prompts.messageBox(kSelectMeasurement, failure);
     clearBusy(ctx_);
+}
+
+// The print dialog with its preview; one at a time.
+void MainFrame::openSetprn()
+{
+    auto *setprn = findChild<SetprnForm *>();
+    if (!setprn)
+        setprn = new SetprnForm(ctx_, this);
+    setprn->show();
+    setprn->raise();
 }
 
 void MainFrame::printerSetupClicked()

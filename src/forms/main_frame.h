@@ -76,6 +76,7 @@ private:
     void loadMeasurementClicked();
     void saveMeasurementClicked();
     void printerSetupClicked();
+    void openSetprn();
     void databaseSelectionClicked();
     void exitClicked();
     void configurationClicked();

@@ -1,5 +1,7 @@
 #include "forms/qt_prompts.h"
 
+#include "output/report_output.h"
+
 #include <QApplication>
 #include <QColorDialog>
 #include <QDir>
@@ -153,5 +155,8 @@ std::optional<QString> QtPrompts::printerSetup(const QString &printerName)
     dialog.setWindowTitle(QStringLiteral("Printer setup"));
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
+    // The dialog's PDF entry: the report goes to a file named when it is printed.
+    if (printer.outputFormat() == QPrinter::PdfFormat)
+        return kPrintToPdf;
     return printer.printerName();
 }

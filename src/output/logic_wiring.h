@@ -6,5 +6,5 @@
 class Context;
 
 // Working database, trace store, conversion and correction chain, catalogue refreshes, the
-// measurement panel.
+// measurement panel, the print command.
 void attachLogic(Context &ctx);
