@@ -14,6 +14,9 @@
 #include "forms/levelmeter.h"
 #include "forms/loadset.h"
 #include "forms/saveset.h"
+#include "forms/autost.h"
+#include "forms/notesfrm.h"
+#include "forms/setsingle.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
@@ -151,9 +154,9 @@ void MainFrame::buildToolBar()
     command("Command3", QStringLiteral("Set/Read"), &MainFrame::setReadClicked);
     command("Command4", QStringLiteral("Erase"), &MainFrame::eraseClicked);
     command("Command7", QStringLiteral("Refresh Chart"), &MainFrame::refreshChartClicked);
-    // Print and Notes open their forms once the report and the notes are part of the program.
+    // Print opens its form once the report is part of the program.
     command("Command1", QStringLiteral("Print"), [] {})->setEnabled(false);
-    command("Command5", QStringLiteral("Notes"), [] {})->setEnabled(false);
+    command("Command5", QStringLiteral("Notes"), [this] { (new NotesForm(ctx_, this))->show(); });
     // Hidden through its action: a widget in a tool bar is shown and hidden by the action that holds it.
     toolboxAction_ = command("Command6", QStringLiteral("Toolbox"), &MainFrame::toolboxClicked);
     toolboxAction_->setVisible(false);
@@ -251,7 +254,7 @@ void MainFrame::buildMenu()
     QMenu *mode = menu(settings, "mnumode", QStringLiteral("&Mode"));
     item(mode, "mnunormal", QStringLiteral("&Normal"), &MainFrame::normalModeClicked)->setCheckable(true);
     item(mode, "mnuemc", QStringLiteral("&EMC"), &MainFrame::emcModeClicked)->setCheckable(true);
-    later(settings, "mnuautostore", QStringLiteral("&Autostore"));
+    item(settings, "mnuautostore", QStringLiteral("&Autostore"), &MainFrame::autostoreClicked);
 
     QMenu *help = menu(menuBar(), "mnuhlp", QStringLiteral("&Help"));
     QMenu *manuals = menu(help, "mnuhelp", QStringLiteral("&Help"));
@@ -288,8 +291,9 @@ void MainFrame::timer1Tick()
     if (s.autostoreOn == 1 && s.autoReading == 1) {
         const QDateTime now = ctx_.clock.now();
         if (!s.autostoreNextTime.isValid() || s.autostoreNextTime.secsTo(now) >= 0) {
-            call(ctx_.calls.autostoreNow);
+            // Set first, so that the form shows the next time when it has stored.
             s.autostoreNextTime = now.addSecs(s.autostoreInterval);
+            call(ctx_.calls.autostoreNow);
         }
     }
     // The one place where a requested repaint happens: many requests in a tick make one paint.
@@ -513,6 +517,7 @@ void MainFrame::takeFormGeometry(FormGeometry &g)
 
 void MainFrame::closeEvent(QCloseEvent *event)
 {
+    ctx_.state.triggerOn = 0; // a trigger watch in its wait loop ends with the program
     if (!unloaded_) {
         unloaded_ = true;
         unloadMainFrame(ctx_);
@@ -592,6 +597,34 @@ void MainFrame::toolboxClicked()
 {
     ctx_.state.autoReading = 0;
     setAutoChecked(false);
+    showDialog<SetsingleForm>();
+}
+
+// The normal mode's view, without the rest of a mode change, and the form autost.
+void MainFrame::autostoreClicked()
+{
+    AppState &s = ctx_.state;
+    action("mnuemc")->setChecked(false);
+    action("mnunormal")->setChecked(true);
+    setUncalVisible(false);
+    s.viewSample = 1;
+    s.viewMaxhold = s.viewAverage = s.viewMemoryB = s.viewMemoryAB = s.viewQPeak = 0;
+    call(ctx_.calls.refreshConfiguration);
+    call(ctx_.calls.refreshUnits);
+    call(ctx_.calls.refreshLimits);
+    call(ctx_.calls.clearTraces);
+    s.emcMode = 0;
+    showDialog<AutostForm>();
+    s.repaintRequest = 1;
+}
+
+template <typename Form> void MainFrame::showDialog()
+{
+    auto *form = findChild<Form *>();
+    if (!form)
+        form = new Form(ctx_, this);
+    form->show();
+    form->raise();
 }
 
 void MainFrame::pictureClicked()

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -10,6 +11,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace {
 
@@ -154,4 +156,9 @@ std::optional<QString> QtPrompts::printerSetup(const QString &printerName)
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
     return printer.printerName();
+}
+
+bool QtPrompts::openUrl(const QString &url)
+{
+    return QDesktopServices::openUrl(QUrl(url));
 }
