@@ -5,7 +5,6 @@
 #include "link/discovery.h"
 #include "store/measurement_file.h"
 
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>

@@ -21,7 +21,7 @@ constexpr double kWaitPassSeconds = 0.05;
 const QString kNotActive = QStringLiteral("Not activ");
 const QString kWaiting = QStringLiteral("Wait for trigger");
 
-QString levelText(const Context &ctx, double level)
+QString shownLevel(const Context &ctx, double level)
 {
     return fieldNumber(level, 1, ctx.state.decimalChar);
 }
@@ -32,7 +32,7 @@ void takeShownLevel(Context &ctx, TriggerControls &controls, double shown, doubl
     AppState &s = ctx.state;
     const double offsets = s.analyser.unitOffset + s.analyser.attenuator + extra;
     s.triggerLevel = float(std::clamp(shown - offsets, double(kLowestTriggerLevel), double(kHighestTriggerLevel)));
-    controls.setLevelText(levelText(ctx, s.triggerLevel + offsets));
+    controls.setLevelText(shownLevel(ctx, s.triggerLevel + offsets));
 }
 
 void showReceived(Context &ctx, const QString &text)
@@ -71,7 +71,7 @@ QString triggerStateText(const Context &ctx)
 
 QString triggerPaintedLevel(const Context &ctx)
 {
-    return levelText(ctx, double(ctx.state.triggerLevel) + ctx.state.analyser.unitOffset);
+    return shownLevel(ctx, double(ctx.state.triggerLevel) + ctx.state.analyser.unitOffset);
 }
 
 void triggerLevelEntered(Context &ctx, TriggerControls &controls, const QString &text)

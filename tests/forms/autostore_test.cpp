@@ -118,7 +118,7 @@ void AutostoreTest::storesNumberedFilesAtTheInterval()
     }
     QCOMPARE(prints, print ? 3 : 0);
     QVERIFY(!QFileInfo::exists(dir + "/run3.mes"));
-    QVERIFY(bench.prompts().shown.isEmpty());
+    QVERIFY(bench.prompts().messages().isEmpty());
 }
 
 void AutostoreTest::pauseRunsTheNumbersOnAndStopStartsAgain()

@@ -8,10 +8,11 @@
 namespace {
 
 struct Notes {
-    explicit Notes(FrameBench &bench) : b(bench)
+    explicit Notes(FrameBench &bench, const QString &notes = QStringLiteral(" ")) : b(bench)
     {
         b.start();
         b.prompts().shown.clear();
+        b.state().notes = notes;
         b.click("Command5");
         form = b.frame->findChild<QDialog *>("notesfrm");
         text1 = form->findChild<QPlainTextEdit *>("Text1");
@@ -55,8 +56,7 @@ void NotesTest::buttonsKeepOrDiscardTheText()
     QFETCH(QStringList, buttons);
     QFETCH(QString, notes);
     FrameBench bench;
-    bench.state().notes = "old";
-    Notes n(bench);
+    Notes n(bench, "old");
     QCOMPARE(n.text1->toPlainText(), QStringLiteral("old"));
     n.write("cable 3 m");
     for (const QString &button : buttons)
