@@ -45,6 +45,13 @@ public:
     // The system's printer dialog, opened on `printerName` (empty: the default printer); the name of
     // the printer chosen, nothing when the user cancels.
     virtual std::optional<QString> printerSetup(const QString &printerName) = 0;
+    // Hands a URL to the desktop (a mailto: URL opens the user's mail program); false when
+    // nothing on the desktop takes it.
+    virtual bool openUrl(const QString &url)
+    {
+        Q_UNUSED(url);
+        return false;
+    }
 };
 
 // One RS-232 port as the link uses it: polled, one byte per read.

@@ -102,3 +102,9 @@ QStringList ScriptedPrompts::messages(const QString &title) const
             out.append(s.title + QLatin1Char('|') + s.text);
     return out;
 }
+
+bool ScriptedPrompts::openUrl(const QString &url)
+{
+    openedUrls.append(url);
+    return desktopTakesUrls;
+}

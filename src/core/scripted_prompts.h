@@ -30,9 +30,12 @@ public:
     std::optional<QString> saveFileDialog(const FileDialogRequest &request) override;
     std::optional<quint32> colourDialog(quint32 initial) override;
     std::optional<QString> printerSetup(const QString &printerName) override;
+    bool openUrl(const QString &url) override;
 
     QList<Shown> shown;         // every prompt, in order
     QStringList unexpected;     // prompts the script had no answer for
+    QStringList openedUrls;     // every URL handed to the desktop
+    bool desktopTakesUrls = true; // false: as on a desktop without a mail program
     QStringList unused() const; // answers that were queued and never asked for
     // Boxes of one title, as "title|text".
     QStringList messages(const QString &title = {}) const;

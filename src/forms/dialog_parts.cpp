@@ -1,5 +1,7 @@
 #include "forms/dialog_parts.h"
 
+#include "store/curve_editor.h"
+
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,7 +25,37 @@ private:
     int longest_;
 };
 
+class LevelKeys : public QObject {
+public:
+    LevelKeys(QLineEdit *box, const unsigned char &decimalChar) : QObject(box), box_(box), decimalChar_(decimalChar) {}
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->text().size() != 1)
+            return false;
+        const QChar typed = key->text()[0];
+        const auto accepted = pointKey(typed, true, decimalChar_);
+        if (accepted && *accepted == typed)
+            return false;
+        if (accepted)
+            box_->insert(QString(*accepted));
+        return true;
+    }
+
+private:
+    QLineEdit *box_;
+    const unsigned char &decimalChar_;
+};
+
 } // namespace
+
+void levelKeys(QLineEdit *box, const unsigned char &decimalChar)
+{
+    box->installEventFilter(new LevelKeys(box, decimalChar));
+}
 
 void limitNameKeys(QLineEdit *box, int longestName) { box->installEventFilter(new NameKeys(box, longestName)); }
 

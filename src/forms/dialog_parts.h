@@ -12,3 +12,7 @@ QPushButton *dialogButton(const char *name, const QString &caption, const QStrin
 // The name box takes no more keys once its trimmed text is longer than the longest name
 // (editing keys without text, Backspace among them, still work).
 void limitNameKeys(QLineEdit *box, int longestName = 80);
+
+// A number box of a level: digits, the minus sign and editing keys pass, a comma or point typed
+// becomes the decimal character that `decimalChar` holds at the time of the key.
+void levelKeys(QLineEdit *box, const unsigned char &decimalChar);

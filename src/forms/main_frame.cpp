@@ -1,26 +1,28 @@
 #include "forms/main_frame.h"
 
-#include "forms/delconf.h"
-#include "forms/grafik.h"
-#include "forms/grafik_configurations.h"
-#include "forms/grafik_equipment.h"
-#include "forms/newconf.h"
 #include "forms/app.h"
+#include "forms/autost.h"
 #include "forms/boxcom.h"
 #include "forms/colordef.h"
-#include "forms/run_controls_view.h"
+#include "forms/delconf.h"
+#include "forms/grafik.h"
 #include "forms/grafik_components.h"
+#include "forms/grafik_configurations.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_limits.h"
 #include "forms/levelmeter.h"
 #include "forms/loadset.h"
+#include "forms/newconf.h"
+#include "forms/notesfrm.h"
 #include "forms/printe.h"
+#include "forms/run_controls_view.h"
 #include "forms/saveset.h"
 #include "forms/setprn.h"
+#include "forms/setsingle.h"
+#include "forms/tr.h"
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "link/serial_link.h"
-#include "forms/tr.h"
 #include "signal/trace_store.h"
 #include "store/database.h"
 #include "store/measurement_file.h"
@@ -158,8 +160,7 @@ void MainFrame::buildToolBar()
     command("Command4", QStringLiteral("Erase"), &MainFrame::eraseClicked);
     command("Command7", QStringLiteral("Refresh Chart"), &MainFrame::refreshChartClicked);
     command("Command1", QStringLiteral("Print"), &MainFrame::openSetprn);
-    // Notes opens its form once the notes are part of the program.
-    command("Command5", QStringLiteral("Notes"), [] {})->setEnabled(false);
+    command("Command5", QStringLiteral("Notes"), [this] { (new NotesForm(ctx_, this))->show(); });
     // Hidden through its action: a widget in a tool bar is shown and hidden by the action that holds it.
     toolboxAction_ = command("Command6", QStringLiteral("Toolbox"), &MainFrame::toolboxClicked);
     toolboxAction_->setVisible(false);
@@ -194,10 +195,6 @@ void MainFrame::buildMenu()
         QAction *action = named(parent, name, caption);
         connect(action, &QAction::triggered, this, slot);
         return action;
-    };
-    // Items whose forms are not part of the program yet stand in the menu, disabled.
-    const auto later = [named](QMenu *parent, const char *name, const QString &caption) {
-        named(parent, name, caption)->setEnabled(false);
     };
 
     QMenu *data = menu(menuBar(), "mnuKonfiguration", QStringLiteral("&Data"));
@@ -257,7 +254,7 @@ void MainFrame::buildMenu()
     QMenu *mode = menu(settings, "mnumode", QStringLiteral("&Mode"));
     item(mode, "mnunormal", QStringLiteral("&Normal"), &MainFrame::normalModeClicked)->setCheckable(true);
     item(mode, "mnuemc", QStringLiteral("&EMC"), &MainFrame::emcModeClicked)->setCheckable(true);
-    later(settings, "mnuautostore", QStringLiteral("&Autostore"));
+    item(settings, "mnuautostore", QStringLiteral("&Autostore"), &MainFrame::autostoreClicked);
 
     QMenu *help = menu(menuBar(), "mnuhlp", QStringLiteral("&Help"));
     QMenu *manuals = menu(help, "mnuhelp", QStringLiteral("&Help"));
@@ -294,8 +291,9 @@ void MainFrame::timer1Tick()
     if (s.autostoreOn == 1 && s.autoReading == 1) {
         const QDateTime now = ctx_.clock.now();
         if (!s.autostoreNextTime.isValid() || s.autostoreNextTime.secsTo(now) >= 0) {
-            call(ctx_.calls.autostoreNow);
+            // Set first, so that the form shows the next time when it has stored.
             s.autostoreNextTime = now.addSecs(s.autostoreInterval);
+            call(ctx_.calls.autostoreNow);
         }
     }
     // The one place where a requested repaint happens: many requests in a tick make one paint.
@@ -523,6 +521,7 @@ void MainFrame::takeFormGeometry(FormGeometry &g)
 
 void MainFrame::closeEvent(QCloseEvent *event)
 {
+    ctx_.state.triggerOn = 0; // a trigger watch in its wait loop ends with the program
     if (!unloaded_) {
         unloaded_ = true;
         unloadMainFrame(ctx_);
@@ -602,6 +601,34 @@ void MainFrame::toolboxClicked()
 {
     ctx_.state.autoReading = 0;
     setAutoChecked(false);
+    showDialog<SetsingleForm>();
+}
+
+// The normal mode's view, without the rest of a mode change, and the form autost.
+void MainFrame::autostoreClicked()
+{
+    AppState &s = ctx_.state;
+    action("mnuemc")->setChecked(false);
+    action("mnunormal")->setChecked(true);
+    setUncalVisible(false);
+    s.viewSample = 1;
+    s.viewMaxhold = s.viewAverage = s.viewMemoryB = s.viewMemoryAB = s.viewQPeak = 0;
+    call(ctx_.calls.refreshConfiguration);
+    call(ctx_.calls.refreshUnits);
+    call(ctx_.calls.refreshLimits);
+    call(ctx_.calls.clearTraces);
+    s.emcMode = 0;
+    showDialog<AutostForm>();
+    s.repaintRequest = 1;
+}
+
+template <typename Form> void MainFrame::showDialog()
+{
+    auto *form = findChild<Form *>();
+    if (!form)
+        form = new Form(ctx_, this);
+    form->show();
+    form->raise();
 }
 
 void MainFrame::pictureClicked()

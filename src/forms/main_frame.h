@@ -72,6 +72,9 @@ private:
     void eraseClicked();
     void refreshChartClicked();
     void toolboxClicked();
+    void autostoreClicked();
+    // A dialog of the frame: the one that is open, else a new one.
+    template <typename Form> void showDialog();
     void pictureClicked();
     void loadMeasurementClicked();
     void saveMeasurementClicked();

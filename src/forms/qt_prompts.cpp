@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace {
 
@@ -159,4 +161,9 @@ std::optional<QString> QtPrompts::printerSetup(const QString &printerName)
     if (printer.outputFormat() == QPrinter::PdfFormat)
         return kPrintToPdf;
     return printer.printerName();
+}
+
+bool QtPrompts::openUrl(const QString &url)
+{
+    return QDesktopServices::openUrl(QUrl(url));
 }

@@ -14,6 +14,7 @@ public:
     std::optional<QString> saveFileDialog(const FileDialogRequest &request) override;
     std::optional<quint32> colourDialog(quint32 initial) override;
     std::optional<QString> printerSetup(const QString &printerName) override;
+    bool openUrl(const QString &url) override;
 
 private:
     std::optional<QString> runFileDialog(const FileDialogRequest &request, bool save);
