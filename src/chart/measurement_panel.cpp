@@ -6,6 +6,7 @@
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
 #include "store/catalogue_views.h"
+#include "store/criteria.h"
 
 #include <algorithm>
 
@@ -99,7 +100,7 @@ void correctionChecked(Context &ctx, bool ticked)
         ticked = false;
     } else {
         const QString name = ctx.panel().configurationText;
-        if (views.measData2.findFirst(QStringLiteral("configname = '") + name + QLatin1Char('\''))) {
+        if (views.measData2.findFirst(textCriterion(QStringLiteral("configname"), QStringLiteral("="), name))) {
             s.configName = name;
             s.traceFrozen = 0;
         }

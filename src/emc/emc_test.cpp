@@ -5,6 +5,7 @@
 #include "store/catalogue_views.h"
 #include "store/configurations.h"
 #include "store/database.h"
+#include "store/criteria.h"
 
 #include <QRegularExpression>
 
@@ -125,7 +126,7 @@ void applyConfiguration(Context &ctx, const QString &config)
 {
     AppState &s = ctx.state;
     CatalogueViews &views = catalogueViews(ctx);
-    if (views.emcData3.findFirst(testCriterion("configname", "like", config))) {
+    if (views.emcData3.findFirst(textCriterion(QStringLiteral("configname"), QStringLiteral("like"), config))) {
         s.configName = column(views.emcData3, "configname").toString();
         s.correctionOn = 1;
         for (int k = 0; k < kChainSlots; ++k)
@@ -162,11 +163,6 @@ void applyView(Context &ctx, const DataView &test)
 
 } // namespace
 
-QString testCriterion(const char *column, const char *op, const QString &name)
-{
-    return QLatin1String(column) + QLatin1Char(' ') + QLatin1String(op) + QStringLiteral(" '") +
-           QString(name).replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
-}
 
 double typedValue(const QString &text, quint8 decimalChar)
 {
@@ -190,7 +186,7 @@ void showTestRecord(Context &ctx)
 
     // An unknown configuration shows "Not set", then the name on the view's current row.
     DataView &configs = views.testData2;
-    if (configs.findFirst(testCriterion("configname", "like", trimmedText(test, "config")))) {
+    if (configs.findFirst(textCriterion(QStringLiteral("configname"), QStringLiteral("like"), trimmedText(test, "config")))) {
         page.setListText(TestList::Configuration, column(configs, "configname").toString());
     } else {
         page.setListText(TestList::Configuration, kNotSet);
@@ -209,7 +205,7 @@ void showTestRecord(Context &ctx)
     showOption(page, TestOption::Bandwidth, intOf(test, "rbw"));
 
     DataView &units = views.testData4;
-    const bool unitFound = units.findFirst(testCriterion("unitname", "like", trimmedText(test, "unit")));
+    const bool unitFound = units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), trimmedText(test, "unit")));
     page.setListText(TestList::Unit, unitFound ? column(units, "unitname").toString() : QStringLiteral("dBmW"));
     s.testUnitOffset = unitFound ? singleOf(units, "unitoffset") : 0.0f;
 
@@ -244,7 +240,7 @@ void applyEmcTest(Context &ctx)
     views.emcData3.refresh();
     if (test.rowCount() == 0)
         return;
-    if (!test.findFirst(testCriterion("name", "like", s.emcTestName.trimmed())))
+    if (!test.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("like"), s.emcTestName.trimmed())))
         test.moveFirst();
     s.emcTestName = column(test, "name").toString();
     page.setListText(TestList::Test, s.emcTestName);
@@ -270,7 +266,7 @@ void applyEmcTest(Context &ctx)
 
     DataView &units = views.emcData2;
     units.refresh();
-    const bool unitFound = units.findFirst(testCriterion("unitname", "like", trimmedText(test, "unit")));
+    const bool unitFound = units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), trimmedText(test, "unit")));
     s.unitName = unitFound ? column(units, "unitname").toString() : QStringLiteral("dBmW");
     s.analyser.unitOffset = unitFound ? singleOf(units, "unitoffset") : 0.0f;
 
@@ -390,7 +386,7 @@ void testListPicked(Context &ctx, TestList list, const QString &text)
     if (list == TestList::Test) {
         if (views.testData1.rowCount() == 0)
             return;
-        views.testData1.findFirst(testCriterion("name", "like", text));
+        views.testData1.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("like"), text));
         showTestRecord(ctx);
         ctx.state.emcTestName = text;
         ctx.state.testApplyView = 1;
@@ -409,7 +405,7 @@ void testListPicked(Context &ctx, TestList list, const QString &text)
                                                        : Pick{views.testData4, "unitname", "unitname", "unit"};
     if (pick.view.rowCount() == 0)
         return;
-    if (pick.view.findFirst(testCriterion(pick.searched, "like", text)))
+    if (pick.view.findFirst(textCriterion(QLatin1String(pick.searched), QStringLiteral("like"), text)))
         writeColumn(ctx, pick.written, column(pick.view, pick.taken));
     showTestRecord(ctx);
 }
@@ -451,7 +447,7 @@ bool addTest(Context &ctx, NewtestViews &views, const QString &name)
     const QString trimmed = name.trimmed();
     if (trimmed.isEmpty())
         return false;
-    const QString criterion = testCriterion("name", "like", trimmed);
+    const QString criterion = textCriterion(QStringLiteral("name"), QStringLiteral("like"), trimmed);
     bool added = false;
     if (views.data2.findFirst(criterion)) {
         // A test is a configuration here too, as the box has always said.

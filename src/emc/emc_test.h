@@ -47,6 +47,3 @@ void copyTest(Context &ctx, NewtestViews &views);
 // deltest's "Delete": the current row of `data2` goes, with no question; the first row that
 // remains becomes current.
 void deleteTest(DataView &data2);
-// The criterion that finds `name` in `column` as `op` compares ("like" or "="); a quote in the
-// name is doubled, so the name is matched as it stands.
-QString testCriterion(const char *column, const char *op, const QString &name);

@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "store/data_view.h"
+#include "store/criteria.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -227,7 +228,7 @@ void CurvePage::showDefinition(const QString &name)
 {
     heads_.refresh();
     if (!name.isEmpty())
-        heads_.findFirst(nameColumn_ + QStringLiteral(" like '") + name + QLatin1Char('\''));
+        heads_.findFirst(textCriterion(nameColumn_, QStringLiteral("like"), name));
     reload();
 }
 

@@ -3,6 +3,7 @@
 #include "core/context.h"
 #include "forms/catalogue_combo.h"
 #include "store/configurations.h"
+#include "store/criteria.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -28,7 +29,7 @@ DelconfForm::DelconfForm(Context &ctx, std::function<void()> reloadEditor, QWidg
     combo_->setEditText(data2_.value(QStringLiteral("configname")).toString());
     // The row deleted is the one the list's pick found.
     connect(combo_, &QComboBox::textActivated, this, [this](const QString &name) {
-        data2_.findFirst(QStringLiteral("configname like '") + name + QLatin1Char('\''));
+        data2_.findFirst(textCriterion(QStringLiteral("configname"), QStringLiteral("like"), name));
     });
     connect(remove, &QPushButton::clicked, this, &DelconfForm::deleteClicked);
 }

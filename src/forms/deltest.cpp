@@ -6,6 +6,7 @@
 #include "forms/dialog_parts.h"
 #include "store/catalogue_views.h"
 #include "store/database.h"
+#include "store/criteria.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -26,7 +27,7 @@ DeltestForm::DeltestForm(Context &ctx, QWidget *parent)
     combo_->setEditText(data2_.value(QStringLiteral("name")).toString());
     // The row deleted is the one the list's pick found.
     connect(combo_, &QComboBox::textActivated, this,
-            [this](const QString &name) { data2_.findFirst(testCriterion("name", "=", name)); });
+            [this](const QString &name) { data2_.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("="), name)); });
     connect(remove, &QPushButton::clicked, this, &DeltestForm::deleteClicked);
 }
 

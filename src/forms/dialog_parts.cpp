@@ -1,7 +1,11 @@
 #include "forms/dialog_parts.h"
 
+#include "forms/catalogue_combo.h"
 #include "store/curve_editor.h"
 
+#include <QComboBox>
+#include <QDialog>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -66,4 +70,26 @@ QPushButton *dialogButton(const char *name, const QString &caption, const QStrin
     b->setToolTip(toolTip);
     b->setAutoDefault(false);
     return b;
+}
+
+NewCopyRows newCopyRows(QDialog *dialog, const QString &nameTip, const QString &addTip, const QString &copyTip)
+{
+    NewCopyRows rows{new QLineEdit(dialog),
+                     catalogueCombo("DBCombo1", QStringLiteral("Source for the copy"), dialog),
+                     catalogueCombo("DBCombo2", QStringLiteral("Destination for the copy"), dialog),
+                     dialogButton("Command1", QStringLiteral("Add New"), addTip, dialog),
+                     dialogButton("Command2", QStringLiteral("Copy"), copyTip, dialog)};
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    rows.text1->setObjectName(QStringLiteral("Text1"));
+    rows.text1->setToolTip(nameTip);
+    limitNameKeys(rows.text1);
+    rows.source->setStyleSheet(QStringLiteral("QComboBox { color: green; }"));
+    rows.destination->setStyleSheet(QStringLiteral("QComboBox { color: red; }"));
+    auto *layout = new QGridLayout(dialog);
+    layout->addWidget(rows.text1, 0, 0);
+    layout->addWidget(rows.addNew, 0, 1);
+    layout->addWidget(rows.source, 1, 0);
+    layout->addWidget(rows.destination, 2, 0);
+    layout->addWidget(rows.copy, 2, 1);
+    return rows;
 }

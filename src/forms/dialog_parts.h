@@ -1,6 +1,8 @@
 #pragma once
 // Parts the small dialogs share: their push buttons and their name boxes.
 
+class QComboBox;
+class QDialog;
 class QLineEdit;
 class QPushButton;
 class QString;
@@ -16,3 +18,12 @@ void limitNameKeys(QLineEdit *box, int longestName = 80);
 // A number box of a level: digits, the minus sign and editing keys pass, a comma or point typed
 // becomes the decimal character that `decimalChar` holds at the time of the key.
 void levelKeys(QLineEdit *box, const unsigned char &decimalChar);
+
+// The rows of a "New / Copy" dialog: the new entry's name (Text1) with "Add New" (Command1), then
+// the source list (DBCombo1, green) and the destination list (DBCombo2, red) with "Copy" (Command2).
+struct NewCopyRows {
+    QLineEdit *text1;
+    QComboBox *source, *destination;
+    QPushButton *addNew, *copy;
+};
+NewCopyRows newCopyRows(QDialog *dialog, const QString &nameTip, const QString &addTip, const QString &copyTip);

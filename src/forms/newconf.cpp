@@ -4,43 +4,30 @@
 #include "forms/catalogue_combo.h"
 #include "forms/dialog_parts.h"
 #include "store/catalogue_views.h"
+#include "store/criteria.h"
 
-#include <QGridLayout>
 #include <QLineEdit>
 #include <QPushButton>
 
 namespace {
 
-QString criterion(const QString &name) { return QStringLiteral("configname like '") + name + QLatin1Char('\''); }
+QString criterion(const QString &name) { return textCriterion(QStringLiteral("configname"), QStringLiteral("like"), name); }
 
 } // namespace
 
 NewconfForm::NewconfForm(Context &ctx, std::function<void()> reloadEditor, QWidget *parent)
-    : QDialog(parent),
-      ctx_(ctx),
-      reloadEditor_(std::move(reloadEditor)),
-      text1_(new QLineEdit(this)),
-      source_(catalogueCombo("DBCombo1", QStringLiteral("Source for the copy"), this)),
-      destination_(catalogueCombo("DBCombo2", QStringLiteral("Destination for the copy"), this))
+    : QDialog(parent), ctx_(ctx), reloadEditor_(std::move(reloadEditor))
 {
     setObjectName(QStringLiteral("newconf"));
     setWindowTitle(QStringLiteral("New configuration"));
-    setAttribute(Qt::WA_DeleteOnClose);
-    text1_->setObjectName(QStringLiteral("Text1"));
-    text1_->setToolTip(QStringLiteral("New configuration"));
-    limitNameKeys(text1_);
-    source_->setStyleSheet(QStringLiteral("QComboBox { color: green; }"));
-    destination_->setStyleSheet(QStringLiteral("QComboBox { color: red; }"));
-    QPushButton *addNew = dialogButton("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new configuration"), this);
-    QPushButton *copy = dialogButton("Command2", QStringLiteral("Copy"),
-                               QStringLiteral("Copy the data from the source (green) to the destination (red) setting"),
-                               this);
-    auto *layout = new QGridLayout(this);
-    layout->addWidget(text1_, 0, 0);
-    layout->addWidget(addNew, 0, 1);
-    layout->addWidget(source_, 1, 0);
-    layout->addWidget(destination_, 2, 0);
-    layout->addWidget(copy, 2, 1);
+    const NewCopyRows rows = newCopyRows(
+        this, QStringLiteral("New configuration"), QStringLiteral("Add a new configuration"),
+        QStringLiteral("Copy the data from the source (green) to the destination (red) setting"));
+    text1_ = rows.text1;
+    source_ = rows.source;
+    destination_ = rows.destination;
+    QPushButton *addNew = rows.addNew;
+    QPushButton *copy = rows.copy;
     connect(addNew, &QPushButton::clicked, this, &NewconfForm::addNewClicked);
     connect(copy, &QPushButton::clicked, this, &NewconfForm::copyClicked);
     connect(source_, &QComboBox::textActivated, this, [this](const QString &name) {

@@ -1,6 +1,7 @@
 #include "forms/newlim.h"
 
 #include "core/context.h"
+#include "store/criteria.h"
 #include "store/database.h"
 
 #include <QComboBox>
@@ -114,8 +115,7 @@ void NewCurveDialog::showEvent(QShowEvent *event)
     data2_.refresh();
     const QString selection = ctx_.state.*form_.selectionName;
     if (!selection.isEmpty())
-        data2_.findFirst(QLatin1String(form_.tables.nameColumn) + QStringLiteral(" like '") + selection +
-                         QLatin1Char('\''));
+        data2_.findFirst(textCriterion(QLatin1String(form_.tables.nameColumn), QStringLiteral("like"), selection));
     showCombos();
     QDialog::showEvent(event);
 }

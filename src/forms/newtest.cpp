@@ -4,42 +4,29 @@
 #include "forms/catalogue_combo.h"
 #include "forms/dialog_parts.h"
 #include "store/catalogue_views.h"
+#include "store/criteria.h"
 
-#include <QGridLayout>
 #include <QLineEdit>
 #include <QPushButton>
 
-NewtestForm::NewtestForm(Context &ctx, QWidget *parent)
-    : QDialog(parent),
-      ctx_(ctx),
-      text1_(new QLineEdit(this)),
-      source_(catalogueCombo("DBCombo1", QStringLiteral("Source for the copy"), this)),
-      destination_(catalogueCombo("DBCombo2", QStringLiteral("Destination for the copy"), this))
+NewtestForm::NewtestForm(Context &ctx, QWidget *parent) : QDialog(parent), ctx_(ctx)
 {
     setObjectName(QStringLiteral("newtest"));
     setWindowTitle(QStringLiteral("New / Copy Test"));
-    setAttribute(Qt::WA_DeleteOnClose);
-    text1_->setObjectName(QStringLiteral("Text1"));
-    text1_->setToolTip(QStringLiteral("New test"));
-    limitNameKeys(text1_);
-    source_->setStyleSheet(QStringLiteral("QComboBox { color: green; }"));
-    destination_->setStyleSheet(QStringLiteral("QComboBox { color: red; }"));
-    QPushButton *addNew = dialogButton("Command1", QStringLiteral("Add New"), QStringLiteral("Add a new test"), this);
-    QPushButton *copy = dialogButton("Command2", QStringLiteral("Copy"),
-                                     QStringLiteral("Copy the data from the source (green) to the destination (red) test"),
-                                     this);
-    auto *layout = new QGridLayout(this);
-    layout->addWidget(text1_, 0, 0);
-    layout->addWidget(addNew, 0, 1);
-    layout->addWidget(source_, 1, 0);
-    layout->addWidget(destination_, 2, 0);
-    layout->addWidget(copy, 2, 1);
+    const NewCopyRows rows = newCopyRows(
+        this, QStringLiteral("New test"), QStringLiteral("Add a new test"),
+        QStringLiteral("Copy the data from the source (green) to the destination (red) test"));
+    text1_ = rows.text1;
+    source_ = rows.source;
+    destination_ = rows.destination;
+    QPushButton *addNew = rows.addNew;
+    QPushButton *copy = rows.copy;
     connect(addNew, &QPushButton::clicked, this, &NewtestForm::addNewClicked);
     connect(copy, &QPushButton::clicked, this, [this] { copyTest(ctx_, views_); });
     connect(source_, &QComboBox::textActivated, this,
-            [this](const QString &name) { views_.data3.findFirst(testCriterion("name", "like", name)); });
+            [this](const QString &name) { views_.data3.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("like"), name)); });
     connect(destination_, &QComboBox::textActivated, this,
-            [this](const QString &name) { views_.data2.findFirst(testCriterion("name", "like", name)); });
+            [this](const QString &name) { views_.data2.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("like"), name)); });
     bindTestViews(ctx_, views_);
     showCombos();
 }

@@ -3,15 +3,12 @@
 #include "core/context.h"
 #include "store/catalogue_views.h"
 #include "store/configurations.h"
+#include "store/criteria.h"
 
 namespace {
 
 const QString kNotSet = QStringLiteral("Not set");
 
-QString quotedName(const QString &column, const QString &op, const QString &name)
-{
-    return column + QLatin1Char(' ') + op + QStringLiteral(" '") + name + QLatin1Char('\'');
-}
 
 // Fields of the two panel limits; the average limit differs in its view, combo and check box.
 struct LimitSide {
@@ -78,7 +75,7 @@ void showDistance(Context &ctx)
 void takeLimit(Context &ctx, PanelLimit limit, const QString &name)
 {
     LimitSide side = limitSide(ctx, limit);
-    if (side.view.findFirst(quotedName(QStringLiteral("limitname"), QStringLiteral("="), name))) {
+    if (side.view.findFirst(textCriterion(QStringLiteral("limitname"), QStringLiteral("="), name))) {
         side.number = side.view.value(QStringLiteral("limitnr")).toInt();
         side.name = name;
         ctx.state.traceFrozen = 0;
@@ -114,7 +111,7 @@ void refreshConfiguration(Context &ctx)
     CatalogueViews &views = catalogueViews(ctx);
     views.measData2.refresh();
     const bool found = views.measData2.findFirst(
-        quotedName(QStringLiteral("configname"), QStringLiteral("like"), s.configName.trimmed()));
+        textCriterion(QStringLiteral("configname"), QStringLiteral("like"), s.configName.trimmed()));
     views.measData3.refresh();
     if (s.traceFrozen != 0) {
         // The state came from a file: its name and distance stay, and so do the components.
@@ -187,7 +184,7 @@ void configurationPicked(Context &ctx, const QString &name)
     view.refresh();
     if (view.rowCount() == 0)
         return;
-    if (view.findFirst(quotedName(QStringLiteral("configname"), QStringLiteral("="), name))) {
+    if (view.findFirst(textCriterion(QStringLiteral("configname"), QStringLiteral("="), name))) {
         ctx.state.configName = name;
         ctx.state.traceFrozen = 0;
         ctx.state.correctionOn = ctx.panel().checked(PanelCheck::Correction) ? 1 : 0;
@@ -201,7 +198,7 @@ void unitPicked(Context &ctx, const QString &name)
     AppState &s = ctx.state;
     DataView &units = catalogueViews(ctx).measData1;
     units.refresh();
-    if (units.findFirst(quotedName(QStringLiteral("unitname"), QStringLiteral("="), name.trimmed()))) {
+    if (units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("="), name.trimmed()))) {
         s.unitName = name;
         s.analyser.unitOffset = units.value(QStringLiteral("unitoffset")).toFloat();
     }

@@ -297,3 +297,9 @@ bool Criteria::matches(const QVariantList &row) const
     }
     return true;
 }
+
+QString textCriterion(const QString &column, const QString &op, const QString &text)
+{
+    return column + QLatin1Char(' ') + op + QStringLiteral(" '") +
+           QString(text).replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
+}

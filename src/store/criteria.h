@@ -28,6 +28,10 @@ struct Condition {
     bool quoted = false;
 };
 
+// A criterion comparing a column with a text as the user gave it: a quote in the text is doubled,
+// so "O'Brien" gives "limitname like 'O''Brien'".
+QString textCriterion(const QString &column, const QString &op, const QString &text);
+
 // `*` is any run of characters, `?` any one character; case is ignored.
 bool likeMatch(QStringView pattern, QStringView text);
 

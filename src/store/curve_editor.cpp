@@ -1,4 +1,5 @@
 #include "store/curve_editor.h"
+#include "store/criteria.h"
 
 #include <QLocale>
 
@@ -101,7 +102,7 @@ AddOutcome addCurveDefinition(DataView &heads, DataView &counter, const CurveTab
     counter.moveFirst();
     if (trimmed.isEmpty() || !counter.hasCurrent())
         return AddOutcome::Nothing;
-    const QString criterion = column(tables.nameColumn) + QStringLiteral(" like '") + trimmed + QLatin1Char('\'');
+    const QString criterion = textCriterion(column(tables.nameColumn), QStringLiteral("like"), trimmed);
     heads.refresh();
     if (heads.findFirst(criterion))
         return AddOutcome::Exists;
@@ -147,7 +148,7 @@ void copyCurveDefinition(DataView &sourceHeads, DataView &destinationHeads, Data
 
 void deleteCurveDefinition(DataView &heads, DataView &points, const CurveTables &tables, const QString &name)
 {
-    heads.findFirst(column(tables.nameColumn) + QStringLiteral(" like '") + name.trimmed() + QLatin1Char('\''));
+    heads.findFirst(textCriterion(column(tables.nameColumn), QStringLiteral("like"), name.trimmed()));
     if (!heads.hasCurrent())
         return;
     points.setSource(curvePointSource(tables, heads.value(column(tables.numberColumn))));

@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "store/catalogue_views.h"
+#include "store/criteria.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ std::optional<LimitHeadShown> reloadLimitEditor(Context &ctx)
                          text(heads, "Distance"), text(heads, "Memo"), text(heads, "dat"), text(heads, "tim")};
     views.limData1.setSource(curvePointSource(kLimitTables, heads.value(QStringLiteral("Limitnr"))));
     const QString unit = text(heads, "Limunit");
-    if (units.findFirst(QStringLiteral("unitname like '") + unit + QLatin1Char('\''))) {
+    if (units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), unit))) {
         shown.unit = unit;
         // Kept whole: a level typed in a unit of fractional offset reads back exactly in that unit.
         ctx.state.limitUnitOffset = qint16(units.value(QStringLiteral("unitoffset")).toFloat());
@@ -81,7 +82,7 @@ bool deleteLimitPoint(Context &ctx, const QString &frequency)
 bool chooseLimit(Context &ctx, const QString &name)
 {
     CatalogueViews &views = catalogueViews(ctx);
-    if (!views.limData2.findFirst(QStringLiteral("limitname like '") + name + QLatin1Char('\'')))
+    if (!views.limData2.findFirst(textCriterion(QStringLiteral("limitname"), QStringLiteral("like"), name)))
         return false;
     views.limData1.setSource(curvePointSource(kLimitTables, views.limData2.value(QStringLiteral("limitnr"))));
     return true;
@@ -90,7 +91,7 @@ bool chooseLimit(Context &ctx, const QString &name)
 void chooseLimitUnit(Context &ctx, const QString &unit)
 {
     CatalogueViews &views = catalogueViews(ctx);
-    if (!views.limData3.findFirst(QStringLiteral("unitname = '") + unit + QLatin1Char('\'')))
+    if (!views.limData3.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("="), unit)))
         return;
     saveCurveHead(views.limData2, QStringLiteral("limunit"), unit);
     ctx.state.limitUnitOffset = qint16(views.limData3.value(QStringLiteral("unitoffset")).toFloat());

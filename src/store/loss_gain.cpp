@@ -3,6 +3,7 @@
 #include "core/context.h"
 #include "store/catalogue_views.h"
 #include "store/database.h"
+#include "store/criteria.h"
 
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -128,7 +129,7 @@ bool deleteLossGainPoint(Context &ctx, const QString &frequency)
 bool chooseLossGain(Context &ctx, const QString &name)
 {
     CatalogueViews &views = catalogueViews(ctx);
-    if (!views.lgData2.findFirst(QStringLiteral("losname like '") + name + QLatin1Char('\'')))
+    if (!views.lgData2.findFirst(textCriterion(QStringLiteral("losname"), QStringLiteral("like"), name)))
         return false;
     views.LGData1.setSource(curvePointSource(kComponentTables, views.lgData2.value(QStringLiteral("losnr"))));
     return true;

@@ -4,6 +4,7 @@
 #include "store/data_view.h"
 #include "store/database.h"
 #include "store/sqlite_file.h"
+#include "store/criteria.h"
 
 #include <QDir>
 #include <QFile>
@@ -330,7 +331,7 @@ void lookUpUnit(Context &ctx)
     AppState &s = ctx.state;
     Recordset units(workingDatabase(ctx), QStringLiteral("unit"));
     // The name goes between the quotes as it stands: one with an apostrophe finds nothing.
-    if (units.findFirst(QStringLiteral("unitname like '") + s.unitName.trimmed() + u'\'')) {
+    if (units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), s.unitName.trimmed()))) {
         take(units.value("unitname"), s.unitName);
         take(units.value("unitoffset"), s.analyser.unitOffset);
     } else {

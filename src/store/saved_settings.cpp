@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "store/database.h"
+#include "store/criteria.h"
 
 #include <type_traits>
 
@@ -13,7 +14,7 @@ const QString kName = QStringLiteral("name");
 
 // The name goes between the quotes as it stands: an apostrophe breaks the search, and "*" and
 // "?" are wildcards.
-QString nameLike(const QString &name) { return QStringLiteral("name like '") + name + QLatin1Char('\''); }
+QString nameLike(const QString &name) { return textCriterion(QStringLiteral("name"), QStringLiteral("like"), name); }
 
 // The columns after `name`, in the order they are written and read, with their fields.
 // averagename holds the max hold limit's number and maxholdname the average limit's: the save

@@ -239,7 +239,7 @@ private slots:
         QVERIFY(!addTest(b.ctx, views, name));
         QCOMPARE(b.prompts->messages(), QStringList{"Add new|Configuration exist ( " + name + " )"});
 
-        QVERIFY(views.data3.findFirst(testCriterion("name", "like", QStringLiteral("EN 55032 B conducted"))));
+        QVERIFY(views.data3.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("like"), QStringLiteral("EN 55032 B conducted"))));
         copyTest(b.ctx, views);
         const QString columns = QStringLiteral("config, peak, average, startfreq, stopfreq, peakdet, AVdet, rbw, ref, "
                                                "unit, atten, horizontal, vertical, mode, leveldist, meastime, "
@@ -251,7 +251,7 @@ private slots:
         DataView data2;
         data2.setDatabase(workingDatabase(b.ctx));
         data2.setSource(QStringLiteral("select * from test order by name"));
-        QVERIFY(data2.findFirst(testCriterion("name", "=", name)));
+        QVERIFY(data2.findFirst(textCriterion(QStringLiteral("name"), QStringLiteral("="), name)));
         deleteTest(data2);
         QCOMPARE(b.sql("select count(*) from test where name like 'O%'").toInt(), 0);
         QCOMPARE(data2.rowCount(), 3);
@@ -260,3 +260,4 @@ private slots:
 
 QTEST_GUILESS_MAIN(TestDefinitionsTest)
 #include "test_definitions_test.moc"
+#include "store/criteria.h"

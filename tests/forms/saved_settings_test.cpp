@@ -132,8 +132,11 @@ private slots:
         QTest::newRow("two characters") << "ab" << QVariantList{} << QStringList{tooShort, tooShort};
         QTest::newRow("three characters")
             << "abc" << QVariantList{"abc"} << QStringList{"Save setting|Setting exist ( abc )\r\rOverwrite?\r\r"};
-        QTest::newRow("quote") << "O'Brien's" << QVariantList{"O'Brien's", "O'Brien's"} << QStringList{};
-        QTest::newRow("statement") << statement << QVariantList{statement, statement} << QStringList{};
+        // A quote is text like any other: the second save finds the name and asks.
+        QTest::newRow("quote") << "O'Brien's" << QVariantList{"O'Brien's"}
+                               << QStringList{"Save setting|Setting exist ( O'Brien's )\r\rOverwrite?\r\r"};
+        QTest::newRow("statement") << statement << QVariantList{statement}
+                                   << QStringList{"Save setting|Setting exist ( " + statement + " )\r\rOverwrite?\r\r"};
     }
 
     void namesAreStoredAsTyped()

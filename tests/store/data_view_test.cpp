@@ -82,6 +82,9 @@ private slots:
         QTest::newRow("like leading star") << "name like '*a*'" << "Alpha" << "Gamma ray";
         QTest::newRow("like is whole text") << "name like 'gam'" << "" << "";
         QTest::newRow("apostrophe in name") << "name like 'O'Brien'" << "" << "";
+        QTest::newRow("apostrophe as the user typed it")
+            << textCriterion(QStringLiteral("name"), QStringLiteral("like"), QStringLiteral("o'brien")) << "O'Brien"
+            << "O'Brien";
         QTest::newRow("text equal ignores case") << "name = 'BETA'" << "beta" << "beta";
         QTest::newRow("single typed as shown") << "level = 30.12" << "Alpha" << "Alpha";
         QTest::newRow("two blanks before =") << "level  = 12.5" << "beta" << "beta";
