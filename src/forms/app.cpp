@@ -3,9 +3,11 @@
 #include "core/clock.h"
 #include "forms/qt_prompts.h"
 #include "core/settings_file.h"
+#include "emc/run_controller.h"
 #include "link/port_selector.h"
 #include "link/qt_serial_port.h"
 #include "link/serial_link.h"
+#include "sim/device_switch.h"
 #include "sim/simulated_port.h"
 #include "output/logic_wiring.h"
 
@@ -85,8 +87,11 @@ std::unique_ptr<Program> assembleProgram(const QString &simulatorModel)
     auto real = std::make_unique<QtSerialPort>();
     real->setDevicePaths(loadDevicePaths());
     auto port = std::make_unique<PortSelector>(std::move(simulated), std::move(real));
-    program->ctx = std::make_unique<Context>(
-        Platform{std::move(clock), std::make_unique<QtPrompts>(), std::move(port)});
+    // The operator's boxes that switch the device under test switch the simulator's device too;
+    // on a real port the simulator is not heard, so they may well do that always.
+    auto prompts = std::make_unique<DeviceSwitchPrompts>(std::make_unique<QtPrompts>(), program->simulator.scene,
+                                                         kDutOffText, kDutOnText);
+    program->ctx = std::make_unique<Context>(Platform{std::move(clock), std::move(prompts), std::move(port)});
     program->ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     attachLogic(*program->ctx);
     return program;

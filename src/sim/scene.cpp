@@ -90,6 +90,8 @@ std::vector<Emitter> Scene::standardEmitters()
     e.push_back({20.0, -45.0, 0.0, Timing::Pulsed, 10.0, 0.005});
     e.push_back({160.0, -50.0, 0.0, Timing::Pulsed, 100.0, 0.02});
     e.push_back({850.0, -55.0, 0.0, Timing::Pulsed, 1000.0, 0.05});
+    for (Emitter &emission : e)
+        emission.device = true;
     // The ambient: an air band station, amplitude modulated, ...
     e.push_back({124.5, -52.0, 0.0, Timing::Modulated, 1000.0, 0.8});
     // ... FM broadcast, ...
@@ -136,7 +138,7 @@ void Scene::tune(const Tuning &t)
     const double start = t.centre - t.span / 2.0;
     for (std::size_t k = 0; k < emitters_.size(); ++k) {
         const Emitter &e = emitters_[k];
-        if (e.frequency < 0.0 || e.frequency > t.maxFrequency)
+        if (e.frequency < 0.0 || e.frequency > t.maxFrequency || (e.device && !t.deviceOn))
             continue;
         const double reach = e.bandwidth / 2.0 + kReach * rbw + step / 2.0;
         double first = 1.0, last = kTracePoints;
@@ -161,7 +163,7 @@ void Scene::tune(const Tuning &t)
 
 void Scene::sweep(const SimPanel &panel, double maxFrequency, quint64 sweep, TraceLevels &levels)
 {
-    const Tuning tuning{panel.centerFrequency, panel.span, panel.bandwidth, maxFrequency};
+    const Tuning tuning{panel.centerFrequency, panel.span, panel.bandwidth, maxFrequency, deviceOn_};
     if (!(tuning == tuned_))
         tune(tuning);
 

@@ -24,6 +24,7 @@ struct Emitter {
     Timing timing = Timing::Continuous;
     double rate = 0.0;      // Hz: pulse repetition, or the modulating tone
     double shape = 0.0;     // duty cycle of a pulsed emitter, modulation depth of a modulated one
+    bool device = false;    // part of the device under test, silent while it is switched off
 };
 
 class Scene {
@@ -34,6 +35,11 @@ public:
     // at 10 Hz, 100 Hz and 1 kHz, in an ambient of FM, DAB, DVB-T and GSM 900 broadcasts and an
     // AM air band station.
     static std::vector<Emitter> standardEmitters();
+
+    // The device under test switched on or off, as the operator does for an ambient round; the
+    // ambient stays as it is. A scene starts with the device on.
+    void setDeviceOn(bool on) { deviceOn_ = on; }
+    bool deviceOn() const { return deviceOn_; }
 
     // The levels of sweep number `sweep` on `panel`: the same number gives the same noise. Only
     // emitters up to `maxFrequency` (MHz) reach the analyser; a tracking generator that is on
@@ -54,6 +60,7 @@ private:
         int span;
         int bandwidth;
         double maxFrequency;
+        bool deviceOn;
         bool operator==(const Tuning &) const = default;
     };
     // The power of a pulsed or modulated emitter at one point, before its timing is applied.
@@ -65,7 +72,8 @@ private:
     void tune(const Tuning &tuning);
 
     std::vector<Emitter> emitters_;
-    Tuning tuned_{-1.0, -1, -1, -1.0};
+    bool deviceOn_ = true;
+    Tuning tuned_{-1.0, -1, -1, -1.0, true};
     std::array<double, kTracePoints> steady_{}; // mW of the continuous emitters at each point
     std::vector<Varying> varying_;
 };

@@ -1,6 +1,8 @@
 // The trace the analyser shows: levels on the right bytes, the noise floor, and the time signal
 // of zero span.
 
+#include "core/scripted_prompts.h"
+#include "sim/device_switch.h"
 #include "sim/sim_exchange.h"
 
 #include <QTest>
@@ -33,6 +35,8 @@ private slots:
     void zeroSpanShowsTheTimeSignal();
     void trackingGeneratorShowsOnItsModel_data();
     void trackingGeneratorShowsOnItsModel();
+    void operatorSwitchesTheDevice_data();
+    void operatorSwitchesTheDevice();
 };
 
 void AnalyserSceneTest::carrierLandsOnItsByte_data()
@@ -155,6 +159,49 @@ void AnalyserSceneTest::trackingGeneratorShowsOnItsModel()
         QVERIFY2(std::abs(median + 25.0) < 1.0, qPrintable(QString::number(median)));
     else
         QVERIFY2(median < -60.0, qPrintable(QString::number(median)));
+}
+
+void AnalyserSceneTest::operatorSwitchesTheDevice_data()
+{
+    QTest::addColumn<QStringList>("boxes");
+    QTest::addColumn<bool>("deviceOn");
+    QTest::newRow("no box") << QStringList{} << true;
+    QTest::newRow("switched off") << QStringList{"Switch DUT Off"} << false;
+    QTest::newRow("off and on again") << QStringList{"Switch DUT Off", "Switch DUT ON"} << true;
+    QTest::newRow("other boxes leave it") << QStringList{"Switch DUT Off", "Set to vertical / N position"} << false;
+    QTest::newRow("the text must match") << QStringList{"Switch DUT off"} << true;
+}
+
+// The boxes reach the user and switch the device: its clock harmonics come and go, the broadcasts
+// around it stay to the hundredth of a dB.
+void AnalyserSceneTest::operatorSwitchesTheDevice()
+{
+    QFETCH(QStringList, boxes);
+    QFETCH(bool, deviceOn);
+    // 0 to 1000 MHz at 120 kHz, swept once before the boxes; the same sweep number gives the same noise.
+    SimPanel panel;
+    panel.bandwidth = 120;
+    TraceLevels seen, full;
+    Scene scene, reference;
+    scene.sweep(panel, 1050.0, 6, seen);
+    auto user = std::make_unique<ScriptedPrompts>();
+    ScriptedPrompts &script = *user;
+    DeviceSwitchPrompts prompts(std::move(user), scene, "Switch DUT Off", "Switch DUT ON");
+    for (const QString &box : boxes) {
+        script.answerMessage("EMC - Sweep + Step", MsgAnswer::Ok);
+        QCOMPARE(prompts.messageBox("EMC - Sweep + Step", box, MsgButtons::Ok), MsgAnswer::Ok);
+    }
+    QCOMPARE(script.shown.size(), boxes.size());
+    QCOMPARE(scene.deviceOn(), deviceOn);
+    scene.sweep(panel, 1050.0, 7, seen);
+    reference.sweep(panel, 1050.0, 7, full);
+    auto point = [](double f) { return int(std::lround(f * kTracePoints / 1000.0)) - 1; };
+    for (double comb : {144.0, 240.0, 336.0}) {
+        const double drop = full[point(comb)] - seen[point(comb)];
+        QVERIFY2(deviceOn ? drop == 0.0 : drop > 20.0, qPrintable(QString("%1 MHz: %2 dB").arg(comb).arg(drop)));
+    }
+    for (double broadcast : {98.5, 194.064, 538.0})
+        QVERIFY2(std::abs(full[point(broadcast)] - seen[point(broadcast)]) < 0.01, qPrintable(QString::number(broadcast)));
 }
 
 QTEST_GUILESS_MAIN(AnalyserSceneTest)
