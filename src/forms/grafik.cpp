@@ -1,11 +1,13 @@
 #include "forms/grafik.h"
 
+#include "emc/ambient_view.h"
 #include "emc/run_controller.h"
 
 #include "chart/zoom_view.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_panel.h"
 #include "forms/grafik_tests.h"
+#include "forms/number_keys.h"
 #include "store/catalogue_views.h"
 #include "core/context.h"
 
@@ -378,26 +380,21 @@ QFrame *GrafikForm::buildEmcFrame()
     row->addWidget(label("emcLabel3", QString(), frame));
     row->addStretch(1);
     // The view boxes: the detectors' results and the sweep, the ambient and its use.
-    AppState &s = ctx_.state;
-    const struct {
-        const char *caption;
-        quint8 *field;
-    } views[] = {{"Max. Hold", &s.viewMaxhold},          {"Quasipeak", &s.viewQPeak},
-                 {"Average", &s.viewAverage},            {"Sweep", &s.viewMemoryB},
-                 {"Calc/View Horizontal", &s.emcViewAmbientH}, {"Calc/View Vertical", &s.emcViewAmbientV},
-                 {"Calc On", &s.emcCalcAmbient},         {"View Ambient", &s.emcViewAmbient}};
-    for (int i = 0; i < 8; ++i) {
-        auto *check = named(new QCheckBox(QLatin1String(views[i].caption), frame),
-                            QByteArray("emcCheck" + QByteArray::number(i + 1)).constData());
-        check->setChecked(*views[i].field == 1);
-        quint8 *field = views[i].field;
-        // The flags act at the next paint.
-        connect(check, &QCheckBox::clicked, this, [field](bool on) { *field = on ? 1 : 0; });
+    const char *captions[] = {"Max. Hold", "Quasipeak", "Average", "Sweep", "Calc/View Horizontal",
+                              "Calc/View Vertical", "Calc On", "View Ambient"};
+    for (int number = 1; number <= 8; ++number) {
+        auto *check = named(new QCheckBox(QLatin1String(captions[number - 1]), frame),
+                            QByteArray("emcCheck" + QByteArray::number(number)).constData());
+        check->setChecked(*emcViewFlag(ctx_.state, number) == 1);
+        connect(check, &QCheckBox::clicked, this, [this, number](bool on) { emcViewChecked(ctx_, number, on); });
         viewRow->addWidget(check);
     }
-    auto *distance = named(new QLineEdit(QString::number(s.emcAmbientDistance), frame), "emcText1");
+    auto *distance = named(new QLineEdit(QString::number(ctx_.state.emcAmbientDistance), frame), "emcText1");
     distance->setToolTip(QStringLiteral("Difference between signals and ambient"));
     distance->setMaximumWidth(50);
+    // Leaving the field keeps what was typed without taking it.
+    numberKeys(distance, ctx_, [this, distance] { ambientDistanceEntered(ctx_, distance->text()); },
+               NumberTaken::OnReturnOnly);
     viewRow->addWidget(distance);
     viewRow->addStretch(1);
     const char *modes[] = {"Hor/L+Ver/N", "Hor/L", "Ver/N"};

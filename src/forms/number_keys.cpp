@@ -11,14 +11,14 @@ namespace {
 
 class NumberKeys : public QObject {
 public:
-    NumberKeys(QLineEdit *field, const Context &ctx, std::function<void()> validate)
-        : QObject(field), field_(field), ctx_(ctx), validate_(std::move(validate))
+    NumberKeys(QLineEdit *field, const Context &ctx, std::function<void()> validate, NumberTaken taken)
+        : QObject(field), field_(field), ctx_(ctx), validate_(std::move(validate)), taken_(taken)
     {
     }
 
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() == QEvent::FocusOut) {
+        if (event->type() == QEvent::FocusOut && taken_ == NumberTaken::OnReturnOrLeaving) {
             // A box that the validation opens takes the focus too: only the user's move counts.
             const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
             if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
@@ -56,12 +56,13 @@ private:
     QLineEdit *field_;
     const Context &ctx_;
     std::function<void()> validate_;
+    NumberTaken taken_;
     bool busy_ = false;
 };
 
 } // namespace
 
-void numberKeys(QLineEdit *field, const Context &ctx, std::function<void()> validate)
+void numberKeys(QLineEdit *field, const Context &ctx, std::function<void()> validate, NumberTaken taken)
 {
-    field->installEventFilter(new NumberKeys(field, ctx, std::move(validate)));
+    field->installEventFilter(new NumberKeys(field, ctx, std::move(validate), taken));
 }

@@ -164,16 +164,23 @@ void TraceDrawingTest::storedLines()
 void TraceDrawingTest::emcBars_data()
 {
     QTest::addColumn<quint8>("ambientH");
+    QTest::addColumn<quint8>("ambientV");
     QTest::addColumn<quint8>("calc");
     QTest::addColumn<quint8>("viewAmbient");
+    QTest::addColumn<int>("distance");
     QTest::addColumn<QList<double>>("barXs");
     QTest::addColumn<int>("ambientLines");
-    // Max hold 50, 20, 60, 0, 0 dB at 10..50 MHz, 40 MHz not measured, ambient 30 dB,
-    // distance 6 dB: threshold 36 dB.
-    QTest::newRow("above the ambient") << quint8(1) << quint8(1) << quint8(1) << QList<double>{10000, 30000} << 4;
-    QTest::newRow("calc without ambient flags") << quint8(0) << quint8(1) << quint8(1)
-                                                << QList<double>{10000, 20000, 30000} << 0;
-    QTest::newRow("no calc") << quint8(1) << quint8(0) << quint8(0) << QList<double>{10000, 20000, 30000} << 0;
+    // Max hold 50, 20, 60, 0, 0 dB at 10..50 MHz, 40 MHz not measured, ambient H 30 dB, ambient V
+    // 45 dB; distance 6 dB: threshold 36 dB on H, 51 dB on V.
+    const quint8 on = 1, off = 0;
+    QTest::newRow("above the ambient") << on << off << on << on << 6 << QList<double>{10000, 30000} << 4;
+    QTest::newRow("calc without ambient flags") << off << off << on << on << 6 << QList<double>{10000, 20000, 30000}
+                                                << 0;
+    QTest::newRow("no calc") << on << off << off << off << 6 << QList<double>{10000, 20000, 30000} << 0;
+    QTest::newRow("the greater ambient counts") << on << on << on << off << 6 << QList<double>{30000} << 0;
+    QTest::newRow("vertical alone") << off << on << on << on << 6 << QList<double>{30000} << 0;
+    QTest::newRow("below the ambient by a negative distance") << on << off << on << off << -12
+                                                              << QList<double>{10000, 20000, 30000} << 0;
 }
 
 void TraceDrawingTest::emcBars()
@@ -184,13 +191,15 @@ void TraceDrawingTest::emcBars()
     s.viewSample = s.viewAverage = s.viewQPeak = 0;
     s.viewMaxhold = 1;
     s.emcViewAmbientH = fetched<quint8>("ambientH");
+    s.emcViewAmbientV = fetched<quint8>("ambientV");
     s.emcCalcAmbient = fetched<quint8>("calc");
     s.emcViewAmbient = fetched<quint8>("viewAmbient");
-    s.emcAmbientDistance = 6;
-    storeRows(f, {"Frequency", "Sample_dBmW", "Maxhold_dBmW", "memory_dBmW", "Ambient_H_dBmW"}, 5, [](int i) {
-        const double maxhold[] = {50, 20, 60, 0, 0};
-        return QVariantList{10 * (i + 1), i == 3 ? 0 : 1, maxhold[i], -20, 30};
-    });
+    s.emcAmbientDistance = qint16(fetched<int>("distance"));
+    storeRows(f, {"Frequency", "Sample_dBmW", "Maxhold_dBmW", "memory_dBmW", "Ambient_H_dBmW", "Ambient_V_dBmW"}, 5,
+              [](int i) {
+                  const double maxhold[] = {50, 20, 60, 0, 0};
+                  return QVariantList{10 * (i + 1), i == 3 ? 0 : 1, maxhold[i], -20, 30, 45};
+              });
     f.paint();
     QList<double> xs;
     for (const Operation &o : f.picture1.lines(f.colour(MaxholdColour))) {
