@@ -61,13 +61,22 @@ private:
     bool yes_;
 };
 
-// Progress on standard error at each caption of the scan: the frequency, time per step, ready at.
+// Progress on standard error: a Step run at each caption of the scan (the frequency, time per
+// step, ready at); a Sweep + Step run at each second of a segment's wait (its centre, the seconds
+// left in it).
 class ConsoleRunControls : public RunControls {
 public:
     void setProgressCaption(const QString &text) override
     {
         RunControls::setProgressCaption(text);
         std::fprintf(stderr, "%s MHz - %s\n", qPrintable(frequencyLabel), qPrintable(text));
+    }
+    void setBlocksLabel(const QString &text) override
+    {
+        // The segment wait shows seconds ("9s"); the step passes count blocks.
+        if (text != blocksLabel && text.endsWith(QLatin1Char('s')))
+            std::fprintf(stderr, "segment %s MHz - %s left\n", qPrintable(frequencyLabel), qPrintable(text));
+        RunControls::setBlocksLabel(text);
     }
 };
 

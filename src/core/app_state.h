@@ -229,6 +229,12 @@ struct AppState {
     quint8 stepBlocksLeft = 0;
     qint16 stepCounter = 0;
     QDateTime progressMark, emcStartTime;
+    // Sweep + Step: the test's range while the chart's window follows the segments, the upper end
+    // of the last merged segment, the next frequency that gets a row, and the first point of the
+    // limit line in force (100000 once it has its row).
+    float testStart = 0.0f, testStop = 0.0f;
+    float storedUpTo = 0.0f, nextStoreFrequency = 0.0f;
+    float limitStartFrequency = 100000.0f;
     float databaseVersion = 1.0f;
     QString databasePath;
     QString measurementFileName;

@@ -17,12 +17,6 @@ constexpr int kProgressBlocks = 30;
 // The finest step a round takes: the rows' grain. A smaller one would never reach the stop.
 constexpr double kMinimumStep = 0.001;
 
-// The chart's span for the bandwidth; the analyser itself stays in zero span.
-qint16 spanForBandwidth(quint16 bandwidth)
-{
-    return bandwidth == 9 ? 2 : bandwidth == 120 ? 20 : 200;
-}
-
 void showFrequency(Context &ctx)
 {
     ctx.run().setFrequencyLabel(QString::number(double(ctx.state.analyser.centerFrequency), 'f', 3));
@@ -93,6 +87,11 @@ void endStepRound(Context &ctx)
 bool tickInProgress = false;
 
 } // namespace
+
+qint16 spanForBandwidth(quint16 bandwidth)
+{
+    return bandwidth == 9 ? 2 : bandwidth == 120 ? 20 : 200;
+}
 
 void beginStepRound(Context &ctx)
 {

@@ -13,3 +13,7 @@ void beginStepRound(Context &ctx);
 // evaluates the one in hand. Re-enables Timer2 while the round goes on; at its end begins the
 // vertical round or ends the run.
 void stepTick(Context &ctx);
+
+// The span that goes with the bandwidth in MHz: the sweep's segment width, and the chart's span
+// while a scan stands in zero span.
+qint16 spanForBandwidth(quint16 bandwidth);

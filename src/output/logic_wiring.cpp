@@ -4,6 +4,7 @@
 #include "core/context.h"
 #include "emc/emc_test.h"
 #include "emc/stepped_scan.h"
+#include "emc/sweep_scan.h"
 #include "output/report_output.h"
 #include "signal/trace_store.h"
 #include "store/catalogue_refresh.h"
@@ -19,5 +20,6 @@ void attachLogic(Context &ctx)
     attachEmcTest(ctx);
     ctx.calls.openWorkingDatabase = [&ctx] { openWorkingDatabase(ctx); };
     ctx.calls.steppedScanStep = [&ctx] { stepTick(ctx); };
+    ctx.calls.sweepRound = [&ctx] { sweepRound(ctx); };
     ctx.calls.printNow = [&ctx] { printChartCommand(ctx); };
 }

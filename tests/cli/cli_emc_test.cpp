@@ -89,6 +89,28 @@ private slots:
         QVERIFY(run.out.endsWith("rows written: 17\n"));
     }
 
+    // A Sweep + Step run: both rounds, the seconds left in each segment on standard error.
+    void sweepAndStepRunShowsItsSegments()
+    {
+        Bench b(0.3);
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "sweep");
+            db.setDatabaseName(b.database());
+            db.open();
+            QSqlQuery(db).exec("update test set startfreq = 30, stopfreq = 70, meastime = 1 "
+                               "where name = 'EN 55032 B radiated 3m'");
+        }
+        QSqlDatabase::removeDatabase("sweep");
+        QStringList args = b.args();
+        args[2] = "EN 55032 B radiated 3m";
+        const CliRun run = cli(args);
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.contains("EMC - Sweep + Step: Set to vertical / N position\n"));
+        QCOMPARE(run.err.count("segment 40.000 MHz - 1s left\n"), 2);
+        QCOMPARE(run.err.count("segment 60.000 MHz - 0s left\n"), 2);
+        QVERIFY(run.out.endsWith("rows written: 334\n"));
+    }
+
     // Ctrl-C stops the run as Stop does; a kill leaves the file as it stood. Either way the file
     // opens and holds every finished row.
     void breakingOffKeepsTheFinishedRows_data()
