@@ -6,9 +6,11 @@
 #include "cli/report_command.h"
 #include "cli/unit_commands.h"
 #include "core/clock.h"
+#include "emc/run_controller.h"
 #include "link/discovery.h"
 #include "link/qt_serial_port.h"
 #include "output/logic_wiring.h"
+#include "sim/device_switch.h"
 #include "sim/simulated_port.h"
 #include "store/measurement_file.h"
 
@@ -118,6 +120,9 @@ std::unique_ptr<Context> openContext(const Options &o, Analyser &analyser)
     platform.prompts = o.command == "emc" ? runPrompts(o.emc) : std::make_unique<ConsolePrompts>();
     if (o.simulatedModel) {
         analyser.model = *o.simulatedModel;
+        // The operator's "Switch DUT Off" and "Switch DUT ON" switch the simulated device.
+        platform.prompts = std::make_unique<DeviceSwitchPrompts>(std::move(platform.prompts), analyser.scene,
+                                                                 kDutOffText, kDutOnText);
         auto clock = std::make_unique<VirtualClock>(QDateTime::currentDateTime());
         platform.port = std::make_unique<SimulatedPort>(analyser, *clock);
         platform.clock = std::move(clock);

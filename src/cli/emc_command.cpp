@@ -23,6 +23,9 @@ namespace {
 // Ctrl-C reaches the event loop through a socket pair: the handler may only write a byte.
 int interruptPipe[2] = {-1, -1};
 bool interrupted = false;
+// The first failure of the link during the run, which tells the reason; the prompts keep it
+// here, since other prompts (the simulator's operator) may stand between them and the context.
+std::optional<QString> linkFailure;
 
 void onInterrupt(int)
 {
@@ -39,7 +42,7 @@ public:
     MsgAnswer messageBox(const QString &title, const QString &text, MsgButtons buttons) override
     {
         if (title != kSteppedTitle && title != kSweepStepTitle) {
-            // Only the link's failures come as other boxes; the first tells the reason.
+            // Only the link's failures come as other boxes.
             if (!linkFailure)
                 linkFailure = text.trimmed();
             return ConsolePrompts::messageBox(title, text, buttons);
@@ -53,8 +56,6 @@ public:
         return MsgAnswer::Ok;
     }
     std::optional<QString> saveFileDialog(const FileDialogRequest &) override { return out_; }
-
-    std::optional<QString> linkFailure;
 
 private:
     QString out_;
@@ -159,7 +160,6 @@ int emcCommand(Context &ctx, const EmcRequest &request)
     s.emcMode = 1;
     startEmcRun(ctx);
     tickSteppedScan(ctx);
-    const std::optional<QString> linkFailure = static_cast<RunPrompts &>(ctx.prompts).linkFailure;
     // The ending of a Step run leaves the unit remote; the command gives it back, as every command does.
     if (!linkFailure && s.emcScanMode == 1)
         goLocal(ctx);
