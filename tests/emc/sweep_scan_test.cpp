@@ -290,10 +290,12 @@ private slots:
         const QStringList frequencies = b.column("Frequency"), marks = b.column("Sample_dBmW");
         QCOMPARE(frequencies.size(), 334);
         const QList<double> emitters{36.0, 48.0, 60.0, 42.36, 55.8};
-        // Each polarisation's sweep holds comb and carriers; its ambient the carriers only.
+        // Each polarisation's sweep fills every row and holds comb and carriers; its ambient the
+        // carriers only.
         for (const QString &polarisation : {"H", "V"}) {
             const QStringList memory = b.column(polarisation + "_memory_dBmW"),
                               background = b.column("ambient_" + polarisation + "_dBmW");
+            QVERIFY(std::all_of(memory.begin(), memory.end(), [](const QString &v) { return v.toDouble() > -200; }));
             for (const double f : emitters)
                 QVERIFY2(peakNear(frequencies, memory, f) > -50, qPrintable(QString::number(f)));
             for (const double f : {36.0, 48.0, 60.0})
