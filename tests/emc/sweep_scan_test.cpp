@@ -6,9 +6,12 @@
 #include "store/measurement_file.h"
 #include "store/sqlite_file.h"
 
+#include <QSet>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <algorithm>
 
 namespace {
 
@@ -16,7 +19,9 @@ using Points = QList<QPointF>; // frequency in MHz, level in dB
 
 // A Sweep + Step context against the simulated K320-A on the virtual clock, with the run's file.
 struct SweepBench : SimBench {
-    SweepBench(double start, double stop, double step, quint16 bandwidth)
+    SweepBench(double start, double stop, double step, quint16 bandwidth,
+               std::optional<DeviceBoxes> deviceBoxes = std::nullopt)
+        : SimBench(QStringLiteral("K320-A"), QStringLiteral("1.40"), QTime(10, 0), deviceBoxes)
     {
         attachSignalProcessing(*ctx);
         online();
@@ -58,9 +63,45 @@ struct SweepBench : SimBench {
         return out;
     }
 
+    // A whole run of the test in hand against `limit`, each round noted as it begins.
+    void runAgainst(const Points &limit)
+    {
+        prompts->answerFile("Select Measurement", file());
+        ctx->calls.sweepRound = [this, limit] {
+            // The line the header would have written from the limit in force.
+            if (rounds.isEmpty())
+                writeLimit(limit);
+            const AppState &s = state();
+            rounds << Round{s.ambientRound, s.horizontalRound == -1, analyser.scene.deviceOn(),
+                            int(column("Frequency").size())};
+            sweepRound(*ctx);
+        };
+        startEmcRun(*ctx);
+    }
+
+    // What a round found when it began: its kind, its polarisation, the device and the rows.
+    struct Round {
+        quint8 ambient;
+        bool horizontal;
+        bool deviceOn;
+        int rowsBefore;
+        bool operator==(const Round &) const = default;
+    };
+
     QTemporaryDir dir;
     QList<QPointF> segments;
+    QList<Round> rounds;
 };
+
+// The highest level of `levels` within 0.3 MHz of `frequency`.
+double peakNear(const QStringList &frequencies, const QStringList &levels, double frequency)
+{
+    double peak = -10000;
+    for (qsizetype i = 0; i < frequencies.size(); ++i)
+        if (std::abs(frequencies[i].toDouble() - frequency) <= 0.3)
+            peak = std::max(peak, levels[i].toDouble());
+    return peak;
+}
 
 // `part` lies in `all` as one unbroken run.
 bool containsRun(const QStringList &all, const QStringList &part)
@@ -205,36 +246,73 @@ private slots:
         QCOMPARE(seen, marks);
     }
 
-    // A whole run, both polarisations, no ambient, against a carrier at 50 MHz: the rows are made
-    // in the first round, every row is marked, and only the marked rows are measured again.
+    // Whole runs of both polarisations against a limit at -60 dB, 6 dB off: the rows are made in
+    // the first round, every row is marked, and only the marked rows are measured again. The
+    // device's comb lies at 36, 48 and 60 MHz, broadcast carriers at 42.36 and 55.8 MHz. With
+    // ambient, each polarisation first sweeps with the device switched off, into its own column
+    // and without selection or step pass; the ambient plays no part in the choice of frequencies.
+    void wholeRun_data()
+    {
+        using R = SweepBench::Round;
+        QTest::addColumn<bool>("ambient");
+        QTest::addColumn<QList<R>>("rounds");
+        QTest::addColumn<QStringList>("boxes");
+        const QString box = kSweepStepTitle + "|";
+        QTest::newRow("without ambient") << false << QList<R>{{0, true, true, 0}, {0, false, true, 334}}
+                                         << QStringList{box + kHorizontalText, box + kVerticalText};
+        QTest::newRow("with ambient")
+            << true << QList<R>{{1, true, false, 0}, {0, true, true, 334}, {2, false, false, 334}, {0, false, true, 334}}
+            << QStringList{box + kHorizontalText, box + kDutOffText, box + kDutOnText,
+                           box + kVerticalText,   box + kDutOffText, box + kDutOnText};
+    }
     void wholeRun()
     {
-        SweepBench b(30, 70, 0.12, 120);
-        b.analyser.scene = Scene({Emitter{50.0, -40.0}});
+        QFETCH(bool, ambient);
+        QFETCH(QList<SweepBench::Round>, rounds);
+        QFETCH(QStringList, boxes);
+        SweepBench b(30, 70, 0.12, 120, SweepBench::DeviceBoxes{kDutOffText, kDutOnText});
+        std::vector<Emitter> scene;
+        for (const double f : {36.0, 48.0, 60.0})
+            scene.push_back({f, -40.0, 0.0, Emitter::Timing::Continuous, 0.0, 0.0, true});
+        for (const double f : {42.36, 55.8})
+            scene.push_back({f, -45.0});
+        b.analyser.scene = Scene(scene);
         AppState &s = b.state();
         s.emcScanMode = 0;
         s.testHorizontal = s.testVertical = -1;
+        s.ambientOn = ambient ? 1 : 0;
         s.limitDistance = -6.0f;
-        b.prompts->answerFile("Select Measurement", b.file());
-        int rounds = 0;
-        QList<int> rowsAtRound;
-        b.ctx->calls.sweepRound = [&] {
-            // The line the header would have written from the limit in force.
-            if (rounds++ == 0)
-                b.writeLimit({{30, -60}, {100, -60}});
-            sweepRound(*b.ctx);
-            rowsAtRound << int(b.column("Frequency").size());
-        };
-        startEmcRun(*b.ctx);
-        QCOMPARE(rowsAtRound, (QList<int>{334, 334}));
-        const QStringList marks = b.column("Sample_dBmW"), hMemory = b.column("H_memory_dBmW"),
-                          vMemory = b.column("V_memory_dBmW"), hMaxhold = b.column("H_Maxhold_dBmW"),
-                          vMaxhold = b.column("V_Maxhold_dBmW"), frequencies = b.column("Frequency");
-        // The marks are those of the last round; each round stepped its own selection.
+        b.runAgainst({{30, -60}, {100, -60}});
+        QCOMPARE(b.rounds, rounds);
+        QCOMPARE(b.prompts->messages(), boxes);
+        QVERIFY(b.analyser.scene.deviceOn());
+
+        const QStringList frequencies = b.column("Frequency"), marks = b.column("Sample_dBmW");
+        QCOMPARE(frequencies.size(), 334);
+        const QList<double> emitters{36.0, 48.0, 60.0, 42.36, 55.8};
+        // Each polarisation's sweep fills every row and holds comb and carriers; its ambient the
+        // carriers only.
+        for (const QString &polarisation : {"H", "V"}) {
+            const QStringList memory = b.column(polarisation + "_memory_dBmW"),
+                              background = b.column("ambient_" + polarisation + "_dBmW");
+            QVERIFY(std::all_of(memory.begin(), memory.end(), [](const QString &v) { return v.toDouble() > -200; }));
+            for (const double f : emitters)
+                QVERIFY2(peakNear(frequencies, memory, f) > -50, qPrintable(QString::number(f)));
+            for (const double f : {36.0, 48.0, 60.0})
+                QVERIFY2(ambient ? peakNear(frequencies, background, f) < -80
+                                 : peakNear(frequencies, background, f) == -1000,
+                         qPrintable(QString::number(f)));
+            for (const double f : {42.36, 55.8})
+                QVERIFY2(ambient ? std::abs(peakNear(frequencies, background, f) - peakNear(frequencies, memory, f)) < 3
+                                 : peakNear(frequencies, background, f) == -1000,
+                         qPrintable(QString::number(f)));
+        }
+        // The marks are those of the last round; each round stepped its own selection, which
+        // holds the carriers as well as the comb.
+        const QStringList hMaxhold = b.column("H_Maxhold_dBmW"), vMaxhold = b.column("V_Maxhold_dBmW");
         QStringList selected[2];
         for (qsizetype i = 0; i < marks.size(); ++i) {
             QVERIFY(marks[i] == "1.000" || marks[i] == "0.000");
-            QVERIFY(hMemory[i].toDouble() > -200 && vMemory[i].toDouble() > -200);
             QCOMPARE(vMaxhold[i].toDouble() > -1000, marks[i] == "1.000");
             if (hMaxhold[i].toDouble() > -1000)
                 selected[0] << frequencies[i];
@@ -242,8 +320,14 @@ private slots:
                 selected[1] << frequencies[i];
         }
         for (const QStringList &round : selected) {
-            QVERIFY2(!round.isEmpty() && round.size() < 6, qPrintable(round.join(' ')));
-            QVERIFY(std::abs(round.first().toDouble() - 50.0) < 0.3);
+            QSet<int> found;
+            for (const QString &row : round) {
+                const auto near = std::find_if(emitters.begin(), emitters.end(),
+                                               [&](double f) { return std::abs(row.toDouble() - f) < 0.3; });
+                QVERIFY2(near != emitters.end(), qPrintable(round.join(' ')));
+                found << int(near - emitters.begin());
+            }
+            QCOMPARE(found.size(), emitters.size());
         }
         QCOMPARE(s.emcRunActive, qint16(0));
         QVERIFY(!s.busy);
@@ -257,9 +341,7 @@ private slots:
         s.emcScanMode = 0;
         s.testHorizontal = -1;
         s.testVertical = 0;
-        b.prompts->answerFile("Select Measurement", b.file());
-        b.ctx->calls.sweepRound = [&] { sweepRound(*b.ctx); };
-        startEmcRun(*b.ctx);
+        b.runAgainst({});
         QVERIFY(b.column("Frequency").isEmpty());
         QVERIFY(b.segments.isEmpty());
         QVERIFY(!b.port->sentByProgram().contains("#vm4"));
