@@ -1,8 +1,9 @@
 #include "forms/curve_page.h"
 
 #include "core/context.h"
-#include "store/data_view.h"
+#include "forms/dialog_parts.h"
 #include "store/criteria.h"
+#include "store/data_view.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -314,12 +315,5 @@ bool CurvePage::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
     auto *field = qobject_cast<QLineEdit *>(watched);
-    if (!field || key->text().size() != 1)
-        return false;
-    const auto accepted = pointKey(key->text()[0], field == text(2), ctx_.state.decimalChar);
-    if (accepted && *accepted == key->text()[0])
-        return false;
-    if (accepted)
-        field->insert(QString(*accepted));
-    return true;
+    return field && takePointKey(field, *key, field == text(2), ctx_.state.decimalChar);
 }

@@ -37,16 +37,7 @@ public:
     {
         if (event->type() != QEvent::KeyPress)
             return false;
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (key->text().size() != 1)
-            return false;
-        const QChar typed = key->text()[0];
-        const auto accepted = pointKey(typed, true, decimalChar_);
-        if (accepted && *accepted == typed)
-            return false;
-        if (accepted)
-            box_->insert(QString(*accepted));
-        return true;
+        return takePointKey(box_, *static_cast<QKeyEvent *>(event), true, decimalChar_);
     }
 
 private:
@@ -55,6 +46,20 @@ private:
 };
 
 } // namespace
+
+bool takePointKey(QLineEdit *box, const QKeyEvent &key, bool level, unsigned char decimalChar, QChar alsoTaken)
+{
+    if (key.text().size() != 1)
+        return false;
+    const QChar typed = key.text()[0];
+    const auto accepted = !alsoTaken.isNull() && typed == alsoTaken ? std::optional<QChar>(typed)
+                                                                    : pointKey(typed, level, decimalChar);
+    if (accepted && *accepted == typed)
+        return false;
+    if (accepted)
+        box->insert(QString(*accepted));
+    return true;
+}
 
 void levelKeys(QLineEdit *box, const unsigned char &decimalChar)
 {

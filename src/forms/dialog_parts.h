@@ -1,8 +1,11 @@
 #pragma once
 // Parts the small dialogs share: their push buttons and their name boxes.
 
+#include <QChar>
+
 class QComboBox;
 class QDialog;
+class QKeyEvent;
 class QLineEdit;
 class QPushButton;
 class QString;
@@ -14,6 +17,11 @@ QPushButton *dialogButton(const char *name, const QString &caption, const QStrin
 // The name box takes no more keys once its trimmed text is longer than the longest name
 // (editing keys without text, Backspace among them, still work).
 void limitNameKeys(QLineEdit *box, int longestName = 80);
+
+// A key typed into a number box: a digit, the minus sign (in a level) and editing keys pass, a
+// comma or point becomes `decimalChar`, `alsoTaken` passes as it is, any other character is
+// dropped. True when the key was handled here: dropped, or put in the box in its place.
+bool takePointKey(QLineEdit *box, const QKeyEvent &key, bool level, unsigned char decimalChar, QChar alsoTaken = {});
 
 // A number box of a level: digits, the minus sign and editing keys pass, a comma or point typed
 // becomes the decimal character that `decimalChar` holds at the time of the key.

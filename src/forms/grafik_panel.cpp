@@ -3,9 +3,9 @@
 #include "chart/measurement_panel.h"
 #include "core/context.h"
 #include "forms/catalogue_combo.h"
+#include "forms/dialog_parts.h"
 #include "store/catalogue_refresh.h"
 #include "store/catalogue_views.h"
-#include "store/curve_editor.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -265,17 +265,7 @@ bool GrafikPanel::eventFilter(QObject *watched, QEvent *event)
     if (watched == cset_)
         return true; // the list is not editable, and no key moves it
     auto *field = qobject_cast<QLineEdit *>(watched);
-    const auto *key = static_cast<QKeyEvent *>(event);
-    if (!field || key->text().size() != 1)
-        return false;
-    const QChar typed = key->text()[0];
-    const auto accepted = typed == QLatin1Char('+') ? std::optional<QChar>(typed)
-                                                     : pointKey(typed, true, ctx_.state.decimalChar);
-    if (accepted && *accepted == typed)
-        return false;
-    if (accepted)
-        field->insert(QString(*accepted));
-    return true;
+    return field && takePointKey(field, *static_cast<QKeyEvent *>(event), true, ctx_.state.decimalChar, u'+');
 }
 
 void GrafikPanel::reload()

@@ -1,7 +1,7 @@
 #include "forms/number_keys.h"
 
 #include "core/context.h"
-#include "store/curve_editor.h"
+#include "forms/dialog_parts.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -32,15 +32,7 @@ public:
             runValidation();
             return true;
         }
-        if (key->text().size() != 1)
-            return false;
-        const QChar typed = key->text()[0];
-        const auto accepted = pointKey(typed, true, ctx_.state.decimalChar);
-        if (accepted && *accepted == typed)
-            return false;
-        if (accepted)
-            field_->insert(QString(*accepted));
-        return true;
+        return takePointKey(field_, *key, true, ctx_.state.decimalChar);
     }
 
 private:
