@@ -7,6 +7,7 @@
 #include <QString>
 #include <QtGlobal>
 #include <array>
+#include <vector>
 
 inline const QString kTitle = QStringLiteral("DELFOR - V3.00");
 inline const QString kOfflineSuffix = QStringLiteral("       Offline");
@@ -53,6 +54,12 @@ struct TraceStore {
     QDateTime sampleTime, averageTime, maxholdTime, memoryTime;
 };
 
+// One point of a second stored file laid over the first ("Compare with..."): MHz and dBm.
+struct ComparisonPoint {
+    float frequency;
+    float level;
+};
+
 // The chart's window and view switches.
 struct ChartView {
     float startFrequency = 0.0f;
@@ -84,6 +91,9 @@ struct ChartView {
     float cursorAFrequency = 0.0f; // the last readout of A: MHz, and the level in the shown unit
     float cursorALevel = 0.0f;
     QString savedCaption;      // the form's caption while a band name stands in its place
+    // The file compared with the one shown, and its trace in frequency order; empty: none.
+    QString comparePath;
+    std::vector<ComparisonPoint> compareTrace;
 };
 
 // Window geometry kept in setting.def, in twips.
