@@ -42,6 +42,8 @@ struct SubsystemCalls {
     std::function<void()> applyEmcTest;
     // One sweep round of a Sweep + Step run (with its step pass when the DUT is on).
     std::function<void()> sweepRound;
+    // The result table of the stored EMC run filled anew (its file or the comparison changed).
+    std::function<void()> refreshResults;
 };
 
 class Context {
