@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <cmath>
+#include <utility>
 #include <optional>
 
 namespace {
@@ -73,25 +74,23 @@ void showFrequency(Context &ctx, float frequency)
     ctx.run().setFrequencyLabel(QString::number(double(frequency), 'f', 3));
 }
 
-// The analyser's max hold runs for `sweepTime` seconds; the program yields meanwhile. Measured on
-// the steady clock, so a wait across midnight ends as any other. False on Stop or offline.
-bool waitForSegment(Context &ctx)
+// The analyser's max hold runs for `sweepTime` seconds from `began`; the program yields meanwhile.
+// Measured on the steady clock, so a wait across midnight ends as any other. False on Stop or
+// offline.
+bool waitForSegment(Context &ctx, double began)
 {
     AppState &s = ctx.state;
-    const double began = ctx.clock.steadySeconds();
-    auto showSecondsLeft = [&] {
+    for (;;) {
         const double left = s.sweepTime - (ctx.clock.steadySeconds() - began);
-        ctx.run().setBlocksLabel(QString::number(qRound(left)) + QLatin1Char('s'));
-    };
-    showSecondsLeft();
-    while (ctx.clock.steadySeconds() - began <= s.sweepTime) {
-        showSecondsLeft();
+        ctx.run().setBlocksLabel(QString::number(qRound(qMax(0.0, left))) + QLatin1Char('s'));
         QCoreApplication::processEvents();
         if (s.emcStopRequest == 1 || s.online == 0)
             return false;
-        ctx.clock.sleep(kWaitSlice);
+        if (left < 0)
+            return true;
+        // The last slice ends with the measuring time, not up to a slice after it.
+        ctx.clock.sleep(qMin(kWaitSlice, left + 0.001));
     }
-    return true;
 }
 
 // A new row at `f`: -1000 everywhere but in `columns`, which get `v`.
@@ -164,29 +163,44 @@ void tuneToRow(Context &ctx, const DataView &rows)
     showFrequency(ctx, s.analyser.centerFrequency);
 }
 
-// The rounds' segments, from the test's start; false when the round broke off in a wait.
+// The segment last read goes into the file.
+void storeSegment(Context &ctx)
+{
+    mergeSweep(ctx);
+    ctx.state.storedUpTo = ctx.state.chart.stopFrequency;
+}
+
+// The rounds' segments, from the test's start; false when the round broke off in a wait. A
+// segment is stored while the analyser measures the next one, so that the file's work costs no
+// measuring time; only the last is stored after its read.
 bool sweepSegments(Context &ctx)
 {
     AppState &s = ctx.state;
+    bool pending = false;
     for (;;) {
         setBusy(ctx);
         calculationStart(ctx); // restarts the max hold
+        const double began = ctx.clock.steadySeconds();
         showFrequency(ctx, s.analyser.centerFrequency);
         s.repaintRequest = 0;
-        if (!waitForSegment(ctx))
+        if (std::exchange(pending, false)) {
+            storeSegment(ctx);
+            s.chart.startFrequency = s.testStart; // the chart shows the whole test so far
+            call(ctx.calls.paintChart);
+        }
+        if (!waitForSegment(ctx, began))
             return false;
         s.repaintRequest = 0;
         readTraceSingle(ctx); // the chart's start and stop are now the segment's ends
-        mergeSweep(ctx);
-        s.storedUpTo = s.chart.stopFrequency;
         // The last segment may reach beyond the stop.
-        if (s.chart.stopFrequency >= s.testStop)
+        if (s.chart.stopFrequency >= s.testStop) {
+            storeSegment(ctx);
             return true;
+        }
         // Segments abut: the next starts where this one stopped.
         s.analyser.centerFrequency = s.chart.stopFrequency + float(s.analyser.span) / 2.0f;
         sendCenterFrequency(ctx);
-        s.chart.startFrequency = s.testStart; // the chart shows the whole test so far
-        call(ctx.calls.paintChart);
+        pending = true;
     }
 }
 

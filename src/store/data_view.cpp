@@ -1,9 +1,12 @@
 #include "store/data_view.h"
 
 #include <QHash>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <cmath>
@@ -78,6 +81,17 @@ QString takeWord(QStringView s, qsizetype &pos)
     return s.mid(from, pos - from).toString();
 }
 
+// Whether the connection is inside a transaction that someone opened on it. Asking SQLite saves
+// the refused BEGIN that would otherwise tell.
+bool inTransaction(const QSqlDatabase &db)
+{
+    const QVariant handle = db.driver() ? db.driver()->handle() : QVariant();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return false;
+    sqlite3 *sqlite = *static_cast<sqlite3 *const *>(handle.data());
+    return sqlite && sqlite3_get_autocommit(sqlite) == 0;
+}
+
 } // namespace
 
 DataView::DataView(QSqlDatabase db, Access access)
@@ -102,6 +116,7 @@ int DataView::columnIndex(const QString &name) const
 
 void DataView::close()
 {
+    m_statements.clear();
     m_table.clear();
     m_columns.clear();
     m_where = Criteria();
@@ -236,15 +251,30 @@ std::optional<QVariantList> DataView::readRow(qint64 rowid) const
     QStringList names;
     for (const ColumnInfo &c : m_columns)
         names << quoted(c.name);
-    QSqlQuery q(m_db);
-    q.prepare(QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?").arg(names.join(u','), quoted(m_table)));
-    q.addBindValue(rowid);
-    if (!q.exec() || !q.next())
+    QSqlQuery *q = prepared(QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?").arg(names.join(u','), quoted(m_table)));
+    if (!q)
         return std::nullopt;
-    QVariantList row;
-    for (int k = 0; k < m_columns.size(); ++k)
-        row.append(q.value(k));
+    q->bindValue(0, rowid);
+    std::optional<QVariantList> row;
+    if (q->exec() && q->next()) {
+        row.emplace();
+        for (int k = 0; k < m_columns.size(); ++k)
+            row->append(q->value(k));
+    }
+    q->finish();
     return row;
+}
+
+QSqlQuery *DataView::prepared(const QString &sql) const
+{
+    if (const auto found = m_statements.find(sql); found != m_statements.end())
+        return &*found;
+    QSqlQuery q(m_db);
+    if (!q.prepare(sql)) {
+        const_cast<DataView *>(this)->m_error = q.lastError().text();
+        return nullptr;
+    }
+    return &*m_statements.insert(sql, std::move(q));
 }
 
 void DataView::refresh()
@@ -560,18 +590,17 @@ bool DataView::update()
     QList<int> dirty(m_dirty.begin(), m_dirty.end());
     std::sort(dirty.begin(), dirty.end());
 
-    QSqlQuery q(m_db);
+    QString sql;
     if (m_mode == Mode::Adding) {
         if (dirty.isEmpty()) {
-            q.prepare(QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(quoted(m_table)));
+            sql = QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(quoted(m_table));
         } else {
             QStringList names, marks;
             for (int k : dirty) {
                 names << quoted(m_columns[k].name);
                 marks << QStringLiteral("?");
             }
-            q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                          .arg(quoted(m_table), names.join(u','), marks.join(u',')));
+            sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)").arg(quoted(m_table), names.join(u','), marks.join(u','));
         }
     } else {
         if (!hasCurrent()) {
@@ -585,19 +614,25 @@ bool DataView::update()
         QStringList sets;
         for (int k : dirty)
             sets << quoted(m_columns[k].name) + QStringLiteral(" = ?");
-        q.prepare(QStringLiteral("UPDATE %1 SET %2 WHERE rowid = ?").arg(quoted(m_table), sets.join(u',')));
+        sql = QStringLiteral("UPDATE %1 SET %2 WHERE rowid = ?").arg(quoted(m_table), sets.join(u','));
     }
+    QSqlQuery *q = prepared(sql);
+    if (!q) {
+        cancelUpdate();
+        return false;
+    }
+    int at = 0;
     for (int k : dirty)
-        q.addBindValue(m_pending[k]);
+        q->bindValue(at++, m_pending[k]);
     if (m_mode == Mode::Editing)
-        q.addBindValue(m_rowids[m_pos]);
+        q->bindValue(at, m_rowids[m_pos]);
 
-    if (!runWrite(q, [&] { return q.exec(); })) {
+    if (!runWrite(*q, [&] { return q->exec(); })) {
         cancelUpdate();
         return false;
     }
 
-    const qint64 rowid = m_mode == Mode::Adding ? q.lastInsertId().toLongLong() : m_rowids[m_pos];
+    const qint64 rowid = m_mode == Mode::Adding ? q->lastInsertId().toLongLong() : m_rowids[m_pos];
     const bool adding = m_mode == Mode::Adding;
     cancelUpdate();
     const std::optional<QVariantList> row = readRow(rowid);
@@ -625,7 +660,7 @@ bool DataView::runWrite(QSqlQuery &query, Write write)
 {
     // Inside a transaction that the caller opened on this connection SQLite refuses the BEGIN,
     // and the write becomes part of the caller's transaction.
-    const bool own = m_db.transaction();
+    const bool own = !inTransaction(m_db) && m_db.transaction();
     if (write() && (!own || m_db.commit()))
         return true;
     m_error = query.lastError().text();

@@ -10,6 +10,7 @@
 
 #include "store/criteria.h"
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QSqlDatabase>
@@ -98,6 +99,10 @@ private:
     bool runWrite(QSqlQuery &query, Write write);
     int indexOfRowid(qint64 rowid) const;
     std::optional<QVariantList> readRow(qint64 rowid) const;
+    // The statement of `sql`, prepared once for the life of the source: a run writes rows one by
+    // one, and parsing each statement anew cost more than the writes themselves. None when it
+    // does not prepare (the error kept).
+    QSqlQuery *prepared(const QString &sql) const;
     // An updatable set reads its rows in steps: refresh reads the rowids in order and the columns
     // of the where part; a find reads the columns it tests for all rows; a row's other values are
     // read when it is used, one row at a time for the first few rows, then all rows at once.
@@ -118,6 +123,7 @@ private:
     mutable QList<bool> m_complete;       // the row's values are all read
     mutable QList<bool> m_columnLoaded;   // the column is read for every row
     mutable int m_singleReads = 0;
+    mutable QHash<QString, QSqlQuery> m_statements;
     int m_pos = -1;
     bool m_afterDelete = false;
     bool m_noMatch = false;
