@@ -333,6 +333,35 @@ private slots:
         QVERIFY(!s.busy);
     }
 
+    // A segment is stored while the analyser measures the next one. A Stop in that wait keeps every
+    // segment read so far and none of the one in hand.
+    void stopKeepsTheSegmentsRead_data()
+    {
+        QTest::addColumn<int>("stopAtPaint");
+        QTest::addColumn<QString>("lastRow");
+        QTest::newRow("in the second segment") << 1 << "49.920";
+        QTest::newRow("in the third segment") << 2 << "69.960";
+    }
+    void stopKeepsTheSegmentsRead()
+    {
+        QFETCH(int, stopAtPaint);
+        QFETCH(QString, lastRow);
+        SweepBench b(30, 90, 0.12, 120);
+        AppState &s = b.state();
+        s.emcScanMode = 0;
+        s.testHorizontal = -1;
+        s.testVertical = 0;
+        int paints = 0;
+        b.ctx->calls.paintChart = [&] {
+            if (++paints == stopAtPaint)
+                s.emcStopRequest = 1;
+        };
+        b.runAgainst({{30, -60}, {100, -60}});
+        QCOMPARE(b.segments.size(), stopAtPaint);
+        QCOMPARE(b.column("Frequency").constLast(), lastRow);
+        QVERIFY(!b.port->sentByProgram().contains("#ss1"));
+    }
+
     // Without a limit line a run measures nothing and says nothing.
     void runWithoutLimitMeasuresNothing()
     {
