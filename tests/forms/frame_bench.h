@@ -14,7 +14,9 @@
 #include <memory>
 
 struct FrameBench {
-    explicit FrameBench(const QString &model = QStringLiteral("K320-A")) : sim(model)
+    explicit FrameBench(const QString &model = QStringLiteral("K320-A"),
+                        std::optional<SimBench::DeviceBoxes> deviceBoxes = std::nullopt)
+        : sim(model, QStringLiteral("1.40"), QTime(10, 0), deviceBoxes)
     {
         ctx().dataFolder = folder.path() + QStringLiteral("/delfor");
         Context &c = ctx();

@@ -4,6 +4,7 @@
 
 #include "frame_bench.h"
 
+#include "emc/run_controller.h"
 #include "forms/grafik.h"
 #include "chart/image_canvas.h"
 #include "store/measurement_file.h"
@@ -77,6 +78,7 @@ private slots:
     void screens_data();
     void screens();
     void stepRun();
+    void sweepStepRun();
 };
 
 void ScreensTest::screens_data()
@@ -247,6 +249,44 @@ void ScreensTest::stepRun()
     const QImage plot = grafik->findChild<CanvasView *>("Picture1")->canvas().image();
     QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the peak bars
     save(QStringLiteral("step-run-done"));
+    QVERIFY(b.prompts().unexpected.isEmpty());
+}
+
+// The delivered radiated test as a Sweep + Step run with ambient through the EMC frame's Start
+// button, the operator switching the simulated device off and on: the finished file with its
+// sweep, the ambient, the limit and the detectors' bars.
+void ScreensTest::sweepStepRun()
+{
+    FrameBench b(QStringLiteral("K320-A"), SimBench::DeviceBoxes{kDutOffText, kDutOnText});
+    b.frame->resize(1280, 800);
+    b.start();
+    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
+    b.frame->enterEmcMode();
+    GrafikForm *grafik = b.frame->grafik();
+    auto *tabs = grafik->findChild<QTabWidget *>(QStringLiteral("grtab"));
+    tabs->setCurrentIndex(2);
+    auto *tests = grafik->findChild<QComboBox *>(QStringLiteral("testDBCombo1"));
+    tests->setCurrentIndex(tests->findText(QStringLiteral("EN 55032 B radiated 3m")));
+    emit tests->textActivated(tests->currentText());
+    grafik->findChild<QCheckBox *>(QStringLiteral("testCheck4"))->click(); // Ambient
+    tabs->setCurrentIndex(0);
+
+    const QString file = b.folder.path() + "/sweep.emc";
+    b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
+    for (int box = 0; box < 6; ++box)
+        b.prompts().answerMessage(kSweepStepTitle, MsgAnswer::Ok);
+    QTest::mouseClick(grafik->findChild<QPushButton *>(QStringLiteral("emcCommand1")), Qt::LeftButton);
+    QCOMPARE(b.prompts().messages().filter(kSweepStepTitle + "|").size(), 6);
+    QVERIFY(!b.ctx().run().timer2Enabled);
+    grafik->findChild<QCheckBox *>(QStringLiteral("emcCheck4"))->click(); // Sweep
+    grafik->findChild<QCheckBox *>(QStringLiteral("emcCheck8"))->click(); // View Ambient
+    b.frame->timer1Tick(); // the repaint the boxes asked for
+    QCoreApplication::processEvents();
+    const QImage plot = grafik->findChild<CanvasView *>("Picture1")->canvas().image();
+    QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 100); // the peak bars
+    QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 1000); // the sweep line
+    QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
+    b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/sweep-step-run-done.png");
     QVERIFY(b.prompts().unexpected.isEmpty());
 }
 
