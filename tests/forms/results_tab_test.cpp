@@ -59,7 +59,9 @@ void ResultsTabTest::tableOfTheRunShown()
     QCOMPARE(table->item(0, table->columnCount() - 1)->text(), QStringLiteral("0.00"));
 
     tabs->setCurrentIndex(3);
+    QCoreApplication::processEvents();
     const QRect cell = table->visualItemRect(table->item(0, 2));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, cell.center());
     QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, cell.center());
     const ChartView &v = b.state().chart;
     QVERIFY2(qAbs(v.cursorAFrequency - 420.0f) < 1.0f, qPrintable(QString::number(v.cursorAFrequency)));

@@ -54,7 +54,9 @@ inline bool writeEmcResultFile(const QString &path, const EmcResultFile &file)
                 q.addBindValue(value);
             ok = ok && q.exec();
         };
-        run(QStringLiteral("insert into Settings (vernr, mode, unit, lmaxlog, lavelog) values (?, ?, ?, ?, ?)"),
+        // A level window of -120 to -20 dB, in counts, as a finished run leaves it.
+        run(QStringLiteral("insert into Settings (vernr, mode, unit, lmaxlog, lavelog, grafikmin, grafikmax) "
+                           "values (?, ?, ?, ?, ?, -300, -50)"),
             {file.mode == 0 ? 100 : 102, file.mode, file.unit, file.maxholdLog ? -1 : 0, file.averageLog ? -1 : 0});
         for (qsizetype i = 0; i < std::max(file.maxhold.size(), file.average.size()); ++i) {
             const auto at = [i](const QList<EmcLimitPoint> &line, bool level) {
