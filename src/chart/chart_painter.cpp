@@ -245,7 +245,7 @@ void ChartPainter::drawLevelLabel(double y, quint32 colour)
     picture2_.line(8, y, 10, y, colour);
     picture2_.setForeColour(colour);
     picture2_.setTextPosition(0, y);
-    picture2_.print(formatPicture(y / 2.5 + state().analyser.unitOffset, QStringLiteral("###0.0")));
+    picture2_.print(formatPicture(levelInUnit(y / 2.5, state().analyser.unitOffset), QStringLiteral("###0.0")));
 }
 
 void ChartPainter::computeLogBounds()

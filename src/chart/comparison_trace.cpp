@@ -11,15 +11,6 @@ namespace {
 
 qint64 wholeKhz(double frequency) { return std::llround(frequency * 1000.0); }
 
-// An EMC file's settings row has mode 1 or 2; a trace file's has 0.
-bool isEmcFile(const MeasurementFileSummary &summary)
-{
-    for (const auto &[column, value] : summary.settings)
-        if (column.compare(QLatin1String("mode"), Qt::CaseInsensitive) == 0)
-            return value.toInt() != 0;
-    return false;
-}
-
 } // namespace
 
 std::optional<std::vector<ComparisonPoint>> readComparisonTrace(const QString &path, QString *fault)

@@ -135,8 +135,8 @@ void ChartCursors::showReadouts()
     const float fA = cursorFrequency(s, v.cursorAX, CursorId::A);
     const float fB = cursorFrequency(s, v.cursorBX, CursorId::B);
     const float distance = std::abs(fB - fA);
-    const double levelA = v.cursorAY / 2.5 + s.analyser.unitOffset;
-    const double levelB = v.cursorBY / 2.5 + s.analyser.unitOffset;
+    const double levelA = levelInUnit(v.cursorAY / 2.5, s.analyser.unitOffset);
+    const double levelB = levelInUnit(v.cursorBY / 2.5, s.analyser.unitOffset);
     v.cursorAFrequency = fA;
     v.cursorALevel = float(levelA);
     // B's unit follows A's frequency once B is 1 MHz or more.
@@ -227,15 +227,21 @@ void ChartCursors::doubleClicked()
 
 void ChartCursors::peakClicked()
 {
+    const ChartView &v = ctx_.state.chart;
+    moveCursorA(v.peakFrequency, v.peakLevel);
+}
+
+void ChartCursors::moveCursorA(float frequency, qint32 level)
+{
     ChartView &v = ctx_.state.chart;
     double x = 0;
     {
-        // The peak lies in the window that the chart shows, zoomed or not.
+        // The frequency lies in the window that the chart shows, zoomed or not.
         const ShownWindow shown(v);
-        x = painter_.frequencyToX(v.peakFrequency);
+        x = painter_.frequencyToX(frequency);
     }
     v.cursorAX = std::isfinite(x) ? rounded(std::trunc(x)) : 0;
-    v.cursorAY = v.peakLevel;
+    v.cursorAY = level;
     paintCursors();
     call(painter_.hooks.refreshLevelmeter);
 }

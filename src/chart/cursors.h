@@ -43,6 +43,8 @@ public:
     // A double click reads the analyser anew (normal mode) or repaints the stored run (EMC mode).
     void doubleClicked();
     void peakClicked();         // Command1 "CA -> PK": cursor A to the peak of the live traces
+    // Cursor A to a frequency (MHz) and a level (counts), drawn there with its readouts.
+    void moveCursorA(float frequency, qint32 level);
     void centreClicked();       // Command2 "CA = CF": the centre frequency to cursor A
     void doubleCentreClicked(); // Command3 "2 * CF": the centre frequency doubled
     // The readouts of both cursors where they stand, as the paint shows them.

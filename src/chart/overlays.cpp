@@ -3,10 +3,8 @@
 #include "chart/canvas.h"
 #include "chart/chart_painter.h"
 #include "core/context.h"
-#include "signal/level_math.h"
 #include "store/database.h"
 #include "store/measurement_file.h"
-#include "store/sqlite_file.h"
 
 #include <QSqlQuery>
 #include <cmath>
@@ -20,27 +18,8 @@ constexpr double kPlotWidth = 1000000.0;
 // A limit segment is drawn in this many pieces where the axis and the interpolation differ.
 constexpr int kLimitPieces = 50;
 
-double logTenOf(double v) { return logTen(v); }
-
 // Fix: the fraction dropped towards zero.
 double fix(double v) { return std::trunc(v); }
-
-// Both of a query's first two columns as a point; rows with a NULL or an unusable value are left out.
-template <typename Point>
-QList<Point> pointsOf(QSqlQuery &query)
-{
-    QList<Point> points;
-    if (!query.exec())
-        return points;
-    while (query.next()) {
-        if (query.isNull(0) || query.isNull(1))
-            continue;
-        const float frequency = query.value(0).toFloat(), level = query.value(1).toFloat();
-        if (std::isfinite(frequency) && std::isfinite(level))
-            points.append(Point{frequency, level});
-    }
-    return points;
-}
 
 // The part of the segment f1..f2 inside the window, by the first of these tests that holds.
 std::optional<std::pair<double, double>> insidePart(double f1, double f2, double start, double stop)
@@ -102,11 +81,11 @@ bool ChartOverlays::paintLimitLines()
     const bool sweep = s.emcMode > 0 || s.analyser.span > 0;
     const struct {
         quint8 shown;
-        Line line;
+        LimitKind line;
         bool logInterpolation;
         ColourRole colour;
-    } limits[] = {{s.viewLimitMax, Line::Maxhold, s.maxholdLimitLog != 0, MaxholdColour},
-                  {s.viewLimitAverage, Line::Average, s.averageLimitLog != 0, AverageColour}};
+    } limits[] = {{s.viewLimitMax, LimitKind::Maxhold, s.maxholdLimitLog != 0, MaxholdColour},
+                  {s.viewLimitAverage, LimitKind::Average, s.averageLimitLog != 0, AverageColour}};
     for (const auto &limit : limits) {
         // grafikMin still at 1000: no trace has set the level window yet.
         if (limit.shown == 0 || s.chart.grafikMin >= 1000)
@@ -125,10 +104,9 @@ bool ChartOverlays::paintLimitLines()
 
 // The points of a limit line in frequency order: from limitdef while the chart is live, from
 // the measurement file's Limitlines when it shows stored data.
-QList<ChartOverlays::Point> ChartOverlays::limitPoints(Line line) const
+QList<ChartOverlays::Point> ChartOverlays::limitPoints(LimitKind line) const
 {
     const AppState &s = ctx_.state;
-    const bool maxhold = line == Line::Maxhold;
     if (s.traceFrozen == 0) {
         const QSqlDatabase db = workingDatabase(ctx_);
         if (!db.isOpen())
@@ -138,18 +116,10 @@ QList<ChartOverlays::Point> ChartOverlays::limitPoints(Line line) const
         // Points of equal frequency (a step of the line) keep the order of entry.
         query.prepare(QStringLiteral("select frequency, level_dbmw from limitdef where limitnr = ? "
                                      "order by frequency, rowid"));
-        query.addBindValue(maxhold ? s.maxholdLimitNr : s.averageLimitNr);
-        return pointsOf<Point>(query);
+        query.addBindValue(line == LimitKind::Maxhold ? s.maxholdLimitNr : s.averageLimitNr);
+        return limitPointsOf(query);
     }
-    // The shorter of the file's two lines leaves NULL pairs in the surplus rows; they are left out.
-    const SqliteFile file(measurementFilePath(s));
-    if (!file.isOpen())
-        return {};
-    QSqlQuery query(file.handle());
-    query.setForwardOnly(true);
-    query.prepare(maxhold ? QStringLiteral("select maxfreq, maxhold_dbmw from limitlines order by maxfreq, rowid")
-                          : QStringLiteral("select avefreq, average_dbmw from limitlines order by avefreq, rowid"));
-    return pointsOf<Point>(query);
+    return storedLimitPoints(measurementFilePath(s), line);
 }
 
 // Each segment of the line, cut to the window; levels in dB, drawn as counts.
@@ -188,11 +158,7 @@ void ChartOverlays::drawLimitPart(double p, double y1, double q, double y2, bool
         painter_.drawSegment(float(p), fix(y1 * 2.5), float(q), fix(y2 * 2.5), colour);
         return;
     }
-    const double logP = logTenOf(p), logQ = logTenOf(q);
-    auto level = [&](double f) {
-        const double share = logInterpolation ? (logTenOf(f) - logP) / (logQ - logP) : (f - p) / (q - p);
-        return (y2 - y1) * share + y1;
-    };
+    auto level = [&](double f) { return limitLevelBetween(p, y1, q, y2, f, logInterpolation); };
     // Counted, so that rounding in the steps neither drops the last piece nor adds one; the last
     // ends on q itself.
     const double w = (q - p) / kLimitPieces;

@@ -5,6 +5,8 @@
 // Both are read anew at every paint: the bands and the live limit lines from the working
 // database, the limit lines of a stored chart from the measurement file's Limitlines.
 
+#include "chart/limit_line.h"
+
 #include <QList>
 #include <QtGlobal>
 
@@ -23,13 +25,9 @@ public:
     bool paintLimitLines();
 
 private:
-    struct Point {
-        float frequency; // MHz
-        float level;     // dB
-    };
-    enum class Line { Maxhold, Average };
+    using Point = LimitPoint;
 
-    QList<Point> limitPoints(Line line) const;
+    QList<Point> limitPoints(LimitKind line) const;
     void walkLimit(const QList<Point> &points, bool logInterpolation, quint32 colour);
     void drawLimitPart(double p, double y1, double q, double y2, bool logInterpolation, quint32 colour);
     void paintLevelLine(const QList<Point> &points, quint32 colour);

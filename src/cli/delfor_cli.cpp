@@ -4,6 +4,7 @@
 #include "cli/console_prompts.h"
 #include "cli/emc_command.h"
 #include "cli/report_command.h"
+#include "cli/results_command.h"
 #include "cli/unit_commands.h"
 #include "core/clock.h"
 #include "emc/run_controller.h"
@@ -33,7 +34,8 @@ const char kUsage[] =
     "       delfor-cli components list|import|export ... (--help for more)\n"
     "       delfor-cli tests [--database FILE]\n"
     "       delfor-cli report FILE.mes|FILE.emc --pdf OUT.pdf [--landscape] [--black] [--headline TEXT] [--notes]\n"
-    "                         [--png OUT.png]\n";
+    "                         [--png OUT.png]\n"
+    "       delfor-cli results FILE.emc [--all] [--csv OUT|-] [--compare OTHER.emc|OTHER.mes] [--database FILE]\n";
 
 const QStringList kTraceNames{"sample", "average", "maxhold", "memory"};
 
@@ -187,6 +189,8 @@ int main(int argc, char **argv)
     // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));
     const QStringList arguments = app.arguments();
+    if (arguments.size() > 1 && arguments[1] == "results")
+        return resultsCommand(arguments.mid(1));
     if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components" || arguments[1] == "tests"))
         return catalogueCommand(arguments.mid(1));
     QString error;

@@ -8,10 +8,8 @@
 #include "store/measurement_file.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSocketNotifier>
 #include <QSqlQuery>
-#include <QStandardPaths>
 
 #include <csignal>
 #include <cstdio>
@@ -98,25 +96,6 @@ void catchInterrupt(Context &ctx, QObject &owner)
     sigaction(SIGINT, &action, nullptr); // no restart: a wait for Enter ends at once
 }
 
-// The working database of --database (never created) or of the user's data folder.
-bool openDatabase(Context &ctx, const EmcRequest &request)
-{
-    ctx.dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    if (request.database) {
-        if (!QFileInfo(*request.database).isFile()) {
-            fail(*request.database + " does not exist");
-            return false;
-        }
-        ctx.state.databasePath = *request.database;
-    }
-    openWorkingDatabase(ctx);
-    if (!workingDatabase(ctx).isOpen()) {
-        fail(ctx.state.databasePath + " is no working database");
-        return false;
-    }
-    return true;
-}
-
 bool testExists(Context &ctx, const QString &name)
 {
     QSqlQuery query(workingDatabase(ctx));
@@ -145,7 +124,7 @@ std::unique_ptr<Prompts> runPrompts(const EmcRequest &request)
 
 int emcCommand(Context &ctx, const EmcRequest &request)
 {
-    if (!openDatabase(ctx, request))
+    if (!openCliDatabase(ctx, request.database))
         return 1;
     if (!testExists(ctx, request.test)) {
         fail("unknown test: " + request.test);

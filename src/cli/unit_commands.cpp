@@ -3,9 +3,12 @@
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "signal/trace_store.h"
+#include "store/database.h"
 #include "store/measurement_file.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace {
 
@@ -58,6 +61,24 @@ int fail(const QString &message)
 {
     std::fprintf(stderr, "delfor-cli: %s\n", qPrintable(message));
     return 1;
+}
+
+bool openCliDatabase(Context &ctx, const std::optional<QString> &database)
+{
+    ctx.dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    if (database) {
+        if (!QFileInfo(*database).isFile()) {
+            fail(*database + " does not exist");
+            return false;
+        }
+        ctx.state.databasePath = *database;
+    }
+    openWorkingDatabase(ctx);
+    if (!workingDatabase(ctx).isOpen()) {
+        fail(ctx.state.databasePath + " is no working database");
+        return false;
+    }
+    return true;
 }
 
 bool writeOut(const QString &path, const QByteArray &bytes)

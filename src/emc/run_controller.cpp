@@ -19,6 +19,7 @@ void endEmcRun(Context &ctx)
     goLocal(ctx);
     ctx.state.repaintRequest = 1;
     unlockRunControls(ctx);
+    call(ctx.calls.refreshResults);
 }
 
 void operatorBox(Context &ctx, const QString &title, const QString &text)

@@ -6,6 +6,7 @@
 #include "chart/zoom_view.h"
 #include "forms/grafik_equipment.h"
 #include "forms/grafik_panel.h"
+#include "forms/grafik_results.h"
 #include "forms/grafik_tests.h"
 #include "forms/number_keys.h"
 #include "store/catalogue_views.h"
@@ -191,6 +192,8 @@ GrafikForm::GrafikForm(Context &ctx, QWidget *parent)
     grtab_->addTab(placeholderPage("fSetunit", "lNotvalid1", &lNotvalid1_, panel_), QStringLiteral("Settings"));
     tests_ = new GrafikTests(ctx);
     grtab_->addTab(placeholderPage("fTest", "lNotValid2", &lNotValid2_, tests_), QStringLiteral("EMC Test"));
+    results_ = new GrafikResults(ctx, painter_.cursors());
+    grtab_->addTab(results_, QStringLiteral("Results"));
     grtab_->addTab(equipment_, QStringLiteral("Equipment"));
     fSetunit_ = grtab_->widget(1)->findChild<QWidget *>(QStringLiteral("fSetunit"));
     fTest_ = grtab_->widget(2)->findChild<QWidget *>(QStringLiteral("fTest"));
@@ -448,7 +451,9 @@ void GrafikForm::tabChanged(int index)
         panel_->reload();
     } else if (index == 2 && s.emcMode != 0) {
         tests_->reload();
-    } else if (index == 3) {
+    } else if (grtab_->widget(index) == results_) {
+        results_->refresh();
+    } else if (grtab_->widget(index) == equipment_) {
         for (DataView *view : {&views.LGData1, &views.lgData2, &views.limData1, &views.limData2, &views.limData3,
                                &views.conData1, &views.conData2, &views.conData3, &views.known})
             view->refresh();

@@ -13,6 +13,7 @@
 class Context;
 class GrafikEquipment;
 class GrafikPanel;
+class GrafikResults;
 class GrafikTests;
 class QCheckBox;
 class QFrame;
@@ -119,6 +120,7 @@ private:
     QFrame *frame1_ = nullptr;
     GrafikPanel *panel_ = nullptr;
     GrafikTests *tests_ = nullptr;
+    GrafikResults *results_ = nullptr;
     GrafikEquipment *equipment_ = nullptr;
     QWidget *fSetunit_ = nullptr;
     QWidget *fTest_ = nullptr;

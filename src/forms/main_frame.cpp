@@ -664,6 +664,7 @@ void MainFrame::loadMeasurementClicked()
             setCaption(kTitle + QStringLiteral("   File: ") + s.measurementFileName);
             action("mnusmeasurement")->setEnabled(false);
             s.repaintRequest = 1;
+            call(ctx_.calls.refreshResults);
         }
     } else {
         // A cancel gets the same words as a file that is not there.

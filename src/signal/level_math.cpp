@@ -24,3 +24,8 @@ double fromDecibel(double x)
 {
     return powerOfTen(x / 20.0);
 }
+
+double levelInUnit(double dBm, double unitOffset)
+{
+    return dBm + unitOffset;
+}

@@ -10,3 +10,5 @@ double toDecibel(double x);
 double powerOfTen(double x);
 // dB to linear amplitude.
 double fromDecibel(double x);
+// A level on the dBmW scale shown in a display unit: the unit's offset added.
+double levelInUnit(double dBm, double unitOffset);

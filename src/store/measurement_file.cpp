@@ -329,15 +329,9 @@ void readSettingsRow(Context &ctx, const DataView &settings, int version)
 void lookUpUnit(Context &ctx)
 {
     AppState &s = ctx.state;
-    Recordset units(workingDatabase(ctx), QStringLiteral("unit"));
-    // The name goes between the quotes as it stands: one with an apostrophe finds nothing.
-    if (units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), s.unitName.trimmed()))) {
-        take(units.value("unitname"), s.unitName);
-        take(units.value("unitoffset"), s.analyser.unitOffset);
-    } else {
-        s.unitName = QStringLiteral("dBmW");
-        s.analyser.unitOffset = 0.0f;
-    }
+    const DisplayUnit unit = findDisplayUnit(ctx, s.unitName);
+    s.unitName = unit.name;
+    s.analyser.unitOffset = unit.offset;
 }
 
 const QStringList kJournalSuffixes{QStringLiteral("-journal"), QStringLiteral("-wal"), QStringLiteral("-shm")};
@@ -580,4 +574,29 @@ std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &pat
     if (take(file.lastFrequency, frequency))
         summary.stopFrequency = frequency;
     return summary;
+}
+
+DisplayUnit findDisplayUnit(Context &ctx, const QString &name)
+{
+    Recordset units(workingDatabase(ctx), QStringLiteral("unit"));
+    // The name goes between the quotes as it stands: one with an apostrophe finds nothing.
+    if (!units.findFirst(textCriterion(QStringLiteral("unitname"), QStringLiteral("like"), name.trimmed())))
+        return {QStringLiteral("dBmW"), 0.0f};
+    DisplayUnit unit{name, 0.0f};
+    take(units.value("unitname"), unit.name);
+    take(units.value("unitoffset"), unit.offset);
+    return unit;
+}
+
+QVariant settingOf(const MeasurementFileSummary &summary, const QString &column)
+{
+    for (const auto &[name, value] : summary.settings)
+        if (name.compare(column, Qt::CaseInsensitive) == 0)
+            return value;
+    return {};
+}
+
+bool isEmcFile(const MeasurementFileSummary &summary)
+{
+    return settingOf(summary, QStringLiteral("mode")).toInt() != 0;
 }

@@ -69,3 +69,15 @@ struct MeasurementFileSummary {
 
 // None when `path` is refused as readMeasurementFile refuses it; `fault` then says why.
 std::optional<MeasurementFileSummary> describeMeasurementFile(const QString &path, QString *fault = nullptr);
+// A column of the file's settings row (matched without regard to case); null when missing.
+QVariant settingOf(const MeasurementFileSummary &summary, const QString &column);
+// Whether the file holds an EMC run: its settings row has mode 1 or 2, a trace file's 0.
+bool isEmcFile(const MeasurementFileSummary &summary);
+
+// A display unit of the working database's units, looked up by name (without regard to case)
+// as an EMC file's unit is when it is shown; an unknown name gives dBmW without an offset.
+struct DisplayUnit {
+    QString name;
+    float offset = 0.0f;
+};
+DisplayUnit findDisplayUnit(Context &ctx, const QString &name);

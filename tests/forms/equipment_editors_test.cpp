@@ -25,7 +25,7 @@ namespace {
 // The editor of this prefix in front: "lim" the limit tab, "LG" the loss/gain tab.
 void openEditor(FrameBench &b, const QString &prefix)
 {
-    b.find<QTabWidget>("grtab")->setCurrentIndex(3);
+    b.find<QTabWidget>("grtab")->setCurrentIndex(4);
     auto *equTab = b.find<QTabWidget>("equTab");
     equTab->setCurrentIndex(prefix == "lim" ? 0 : 1);
     QCoreApplication::processEvents();

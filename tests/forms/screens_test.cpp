@@ -22,16 +22,22 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTabWidget>
+#include <QTableWidget>
 
 #include <cmath>
 
 namespace {
 
 // An .emc run of the Sweep + Step kind: the sweep as a line, the ambient below it, and every
-// tenth row measured by the detectors.
-void writeEmcRun(FrameBench &b, const QString &path)
+// 48th row measured by the detectors, the peak in one polarisation round or the other. With
+// `limit` it is held against the delivered class B limit at 3 m, in dBuV/m.
+void writeEmcRun(FrameBench &b, const QString &path, bool limit = false)
 {
     AppState &s = b.state();
+    if (limit) {
+        s.maxholdLimitNr = 3; // "EN 55032 B 3m QP"
+        s.unitName = QStringLiteral("dBuV/m");
+    }
     s.measurementFileName = path;
     s.emcScanMode = 2;
     s.emcTestName = QStringLiteral("EN 55032 B radiated 3m");
@@ -49,7 +55,8 @@ void writeEmcRun(FrameBench &b, const QString &path)
     db.transaction();
     QSqlQuery q(db);
     q.prepare(QStringLiteral("insert into Measurement (Frequency, Sample_dBmW, memory_dBmW, Ambient_H_dBmW, "
-                             "Maxhold_dBmW, QPeak_dBmW, Average_dBmW) values (?, ?, ?, ?, ?, ?, ?)"));
+                             "Maxhold_dBmW, QPeak_dBmW, Average_dBmW, H_Maxhold_dBmW, V_Maxhold_dBmW) "
+                             "values (?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     for (int i = 0; i < 971; ++i) {
         const double f = 30.0 + i;
         const double harmonic = (i % 48 == 0) ? 35.0 : 0.0;
@@ -62,6 +69,8 @@ void writeEmcRun(FrameBench &b, const QString &path)
         q.addBindValue(measured ? sweep - 2.0 : QVariant());
         q.addBindValue(measured ? sweep - 6.0 : QVariant());
         q.addBindValue(measured ? sweep - 12.0 : QVariant());
+        q.addBindValue(measured ? sweep - 2.0 - (i % 96 ? 0.0 : 3.0) : QVariant());
+        q.addBindValue(measured ? sweep - 2.0 - (i % 96 ? 4.0 : 0.0) : QVariant());
         QVERIFY(q.exec());
     }
     db.commit();
@@ -88,6 +97,7 @@ void ScreensTest::screens_data()
     QTest::newRow("live") << "live" << quint32(0x008000);
     QTest::newRow("stored-mes") << "mes" << quint32(0x008000);
     QTest::newRow("stored-emc") << "emc" << quint32(0x0000FF);
+    QTest::newRow("results") << "results" << quint32(0x0000FF);
     QTest::newRow("limits") << "limits" << quint32(0x008000);
     QTest::newRow("panel") << "panel" << quint32(0x008000);
     QTest::newRow("cursors") << "cursors" << quint32(0x008000);
@@ -168,18 +178,19 @@ void ScreensTest::screens()
         driveFront(b);
     if (source == "cursors")
         zoomAndPlaceCursors(b);
-    const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
+    const bool emc = source == "emc" || source == "results";
+    const QString file = b.folder.path() + "/screen." + (emc ? "emc" : "mes");
     if (source == "mes") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnusmeasurement");
-    } else if (source == "emc") {
-        writeEmcRun(b, file);
+    } else if (emc) {
+        writeEmcRun(b, file, source == "results");
     }
-    if (source == "mes" || source == "emc") {
+    if (source == "mes" || emc) {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnulmeasure");
         QCOMPARE(b.state().traceFrozen, quint8(1));
-        QCOMPARE(int(b.state().emcMode), source == "emc" ? 2 : 0);
+        QCOMPARE(int(b.state().emcMode), emc ? 2 : 0);
     }
     QCoreApplication::processEvents();
     if (source != "cursors") { // a repaint would take the cursors' readouts back to their places
@@ -190,8 +201,14 @@ void ScreensTest::screens()
     const QImage plot = b.frame->grafik()->findChild<CanvasView *>("Picture1")->canvas().image();
     QVERIFY2(pixelsOf(plot, traceColour) > 200, "the traces are drawn");
     QVERIFY(pixelsOf(plot, b.state().screenColours[GridColour]) > 200);
-    if (source == "emc")
+    if (emc)
         QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 200); // the sweep line
+    if (source == "results") {
+        b.find<QTabWidget>(QStringLiteral("grtab"))->setCurrentIndex(3);
+        auto *table = b.find<QTableWidget>(QStringLiteral("resultTable"));
+        QCOMPARE(table->rowCount(), 21); // every 48th row of 971
+        QCOMPARE(table->item(0, 4)->text(), QStringLiteral("FAIL"));
+    }
     if (source == "limits") {
         QCOMPARE(b.state().unitName, QStringLiteral("dBuV/m"));
         QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the max hold limit
