@@ -31,7 +31,8 @@ void ChartPainter::paintComparison()
     StoredRows rows(v.compareTrace);
     const double factor = std::nearbyint(double(rows.recordCount()) / 500.0);
     const bool thin = v.paintAllPoints != 1 && factor > 5;
-    picture1_.setDrawWidth(2);
+    // One pixel on screen, so that the shown trace stays visible between the dashes.
+    picture1_.setDrawWidth(1);
     picture1_.setDrawStyle(Canvas::Dashed);
     walkStored(rows, thin, int(factor), v.stopFrequency,
                [&](float f1, const Levels &previous, float f2, const Levels &current) {
@@ -39,7 +40,6 @@ void ChartPainter::paintComparison()
                });
     paintComparisonLegend(colour);
     picture1_.setDrawStyle(Canvas::Solid);
-    picture1_.setDrawWidth(1);
 }
 
 // In the top right corner of the plot: a stretch of the dashed line, then the compared file's name.

@@ -107,7 +107,7 @@ void ComparisonTest::dashedOnTheShownAxes()
     QVERIFY2(sameSegments(drawn.trace, fetched<Segments>("expected")), qPrintable(QString::number(drawn.trace.size())));
     for (const Operation &o : f.picture1.lines(f.colour(CompareColour))) {
         QCOMPARE(o.style, int(Canvas::Dashed));
-        QCOMPARE(o.width, 2);
+        QCOMPARE(o.width, 1);
     }
     // The legend: a dashed stretch, then the file's name, inside the top right corner.
     const QList<Operation> names = f.picture1.texts();

@@ -1,5 +1,6 @@
 // The program as the user sees it: live traces from the simulated analyser, also after the front
-// moved it to another span, a stored .mes file and a stored .emc run, each drawn on screen and checked for its trace colours. The window
+// moved it to another span, a stored .mes file, one compared with an earlier one, and a stored .emc
+// run, each drawn on screen and checked for its trace colours. The window
 // images are kept in the build folder (screenshots/) to be looked at.
 
 #include "frame_bench.h"
@@ -89,6 +90,7 @@ void ScreensTest::screens_data()
     QTest::newRow("limits") << "limits" << quint32(0x008000);
     QTest::newRow("panel") << "panel" << quint32(0x008000);
     QTest::newRow("cursors") << "cursors" << quint32(0x008000);
+    QTest::newRow("compare") << "compare" << quint32(0x008000);
 }
 
 // The panel's lists picked as the user picks them: unit, configuration with "Correction On",
@@ -167,17 +169,29 @@ void ScreensTest::screens()
     if (source == "cursors")
         zoomAndPlaceCursors(b);
     const QString file = b.folder.path() + "/screen." + (source == "emc" ? "emc" : "mes");
-    if (source == "mes") {
+    const QString before = b.folder.path() + "/before.mes";
+    if (source == "compare") {
+        // Before: the device's emissions; after: the device switched off, only the broadcasts stay.
+        b.prompts().answerFile("Select Measurement", before);
+        b.trigger("mnusmeasurement");
+        b.sim.analyser.scene.setDeviceOn(false);
+        b.click("Command2");
+    }
+    if (source == "mes" || source == "compare") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnusmeasurement");
     } else if (source == "emc") {
         writeEmcRun(b, file);
     }
-    if (source == "mes" || source == "emc") {
+    if (source == "mes" || source == "emc" || source == "compare") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnulmeasure");
         QCOMPARE(b.state().traceFrozen, quint8(1));
         QCOMPARE(int(b.state().emcMode), source == "emc" ? 2 : 0);
+    }
+    if (source == "compare") {
+        b.prompts().answerFile("Compare with", before);
+        b.trigger("mnucompare");
     }
     QCoreApplication::processEvents();
     if (source != "cursors") { // a repaint would take the cursors' readouts back to their places
@@ -190,6 +204,8 @@ void ScreensTest::screens()
     QVERIFY(pixelsOf(plot, b.state().screenColours[GridColour]) > 200);
     if (source == "emc")
         QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 200); // the sweep line
+    if (source == "compare")
+        QVERIFY(pixelsOf(plot, b.state().screenColours[CompareColour]) > 200); // the dashed trace before
     if (source == "limits") {
         QCOMPARE(b.state().unitName, QStringLiteral("dBuV/m"));
         QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the max hold limit
