@@ -94,6 +94,8 @@ private:
     void paintLiveZeroSpan();
     QString liveCaption();
     void paintStored();
+    void paintComparison();
+    void paintComparisonLegend(quint32 colour);
 
     Context &ctx_;
     Canvas &picture1_;

@@ -2,9 +2,9 @@
 
 #include "core/context.h"
 
-const std::array<ColourRow, 13> &colourRows()
+const std::array<ColourRow, 14> &colourRows()
 {
-    static const std::array<ColourRow, 13> rows = {{
+    static const std::array<ColourRow, 14> rows = {{
         {AmbientHColour, "Ambient H color", "Command10", "Command17"},
         {AmbientVColour, "Ambient V color", "Command11", "Command16"},
         {GridColour, "Grid color", "Command1", "Command26"},
@@ -18,6 +18,7 @@ const std::array<ColourRow, 13> &colourRows()
         {QPeakColour, "QPeak color", "Command8", "Command19"},
         {CursorAColour, "Cursor A color", "Command12", "Command15"},
         {CursorBColour, "Cursor B color", "Command13", "Command14"},
+        {CompareColour, "Compare color", "Command27", "Command28"},
     }};
     return rows;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The 13 screen and 13 printer colours that the form colordef edits: the rows with their
+// The 14 screen and 14 printer colours that the form colordef edits: the rows with their
 // captions and buttons, and the choice of one colour through the colour dialog.
 
 #include "core/app_state.h"
@@ -16,7 +16,7 @@ struct ColourRow {
 };
 
 // The rows in the order of the two lists.
-const std::array<ColourRow, 13> &colourRows();
+const std::array<ColourRow, 14> &colourRows();
 
 // One colour button: the colour dialog starts from the row's colour and the list takes what it
 // returns; a cancelled dialog keeps the colour. A new screen colour asks for a repaint.

@@ -124,9 +124,8 @@ void ImageCanvas::applyPen(quint32 colour)
 {
     if (penValid_ && colour == penColour_)
         return;
-    static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine};
-    QPen pen(bgrColour(colour), width_, kStyles[style_ >= 0 && style_ <= 2 ? style_ : 0], Qt::FlatCap);
-    painter_.setPen(pen);
+    DashRun fresh;
+    painter_.setPen(linePen(colour, width_, style_, {}, {}, fresh));
     penColour_ = colour;
     penValid_ = true;
 }
@@ -144,7 +143,13 @@ void ImageCanvas::line(double x1, double y1, double x2, double y2, quint32 colou
     // Far-off ends are cut here, so the rasteriser only ever sees coordinates near the image.
     if (!clipLine(a, b, -kClipMargin, -kClipMargin, size_.width() + kClipMargin, size_.height() + kClipMargin))
         return;
-    applyPen(colour);
+    if (style_ != Solid && mode_ == CopyPen) {
+        // Cursors (drawn not-xor) keep a fixed pattern, so that drawing one again erases it.
+        painter_.setPen(linePen(colour, width_, style_, a, b, dashRun_));
+        penValid_ = false;
+    } else {
+        applyPen(colour);
+    }
     painter_.drawLine(a, b);
 }
 
@@ -181,4 +186,24 @@ void ImageCanvas::print(const QString &text)
 double ImageCanvas::textWidth(const QString &text) const
 {
     return painter_.fontMetrics().horizontalAdvance(text) / std::abs(scaleX_);
+}
+
+double DashRun::offsetFor(QPointF a, QPointF b, double penWidth)
+{
+    if (a != end_)
+        run_ = 0.0;
+    const double offset = run_ / penWidth;
+    run_ += QLineF(a, b).length();
+    end_ = b;
+    return offset;
+}
+
+QPen linePen(quint32 colour, double width, int style, QPointF a, QPointF b, DashRun &run)
+{
+    static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine};
+    const Qt::PenStyle penStyle = kStyles[style >= 0 && style <= 2 ? style : 0];
+    QPen pen(bgrColour(colour), width, penStyle, Qt::FlatCap);
+    if (penStyle != Qt::SolidLine)
+        pen.setDashOffset(run.offsetFor(a, b, width));
+    return pen;
 }

@@ -7,8 +7,24 @@
 #include "chart/canvas.h"
 
 #include <QImage>
+#include <QPen>
 #include <QPainter>
 #include <QPointF>
+
+// A dashed or dotted trace is drawn as many short lines; each would start its pattern afresh and
+// look solid. A line that starts where the last one ended goes on where the pattern stood.
+class DashRun {
+public:
+    // The dash offset for the line from a to b drawn with a pen of `penWidth`, in pen widths.
+    double offsetFor(QPointF a, QPointF b, double penWidth);
+
+private:
+    QPointF end_{qQNaN(), qQNaN()};
+    double run_ = 0.0; // length drawn since the pattern started, in device units
+};
+
+// The pen of a line, its dashes running on from the last line in `run`.
+QPen linePen(quint32 colour, double width, int style, QPointF a, QPointF b, DashRun &run);
 
 class ImageCanvas : public Canvas {
 public:
@@ -49,6 +65,7 @@ private:
     int mode_ = CopyPen;
     int width_ = 1;
     int style_ = Solid;
+    DashRun dashRun_;
     quint32 penColour_ = 0;
     bool penValid_ = false;
     quint32 foreColour_ = 0;

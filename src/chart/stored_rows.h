@@ -55,6 +55,20 @@ public:
         load(db.get(), QStringLiteral("select %1 from measurement order by rowid").arg(columns.join(QLatin1Char(','))));
     }
 
+    // The trace of a compared file as rows of the sample slot, so that it is walked and thinned as
+    // a stored trace is. The trace is in frequency order already.
+    explicit StoredRows(const std::vector<ComparisonPoint> &trace)
+    {
+        field_.fill(-1);
+        rows_.reserve(trace.size());
+        for (const ComparisonPoint &point : trace) {
+            Row row{point.frequency, {}};
+            row.levels.fill(kNoLevel);
+            row.levels[Sample] = countOf(point.level);
+            rows_.push_back(row);
+        }
+    }
+
     qint64 recordCount() const { return qint64(rows_.size()); }
     // At the end it stays at the end.
     bool next()
@@ -128,7 +142,7 @@ private:
         return row;
     }
 
-    // dB x 2.5, halves to even, as a 16-bit count; kNoLevel for a NULL, text or a value out of range.
+    // A level column's value as a count; kNoLevel for a NULL or text.
     // The level columns are singles: the value is taken as one before it is multiplied.
     static qint16 levelAt(sqlite3_stmt *statement, int field)
     {
@@ -137,7 +151,13 @@ private:
         const int type = sqlite3_column_type(statement, field);
         if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
             return kNoLevel;
-        const double counts = std::nearbyint(double(float(sqlite3_column_double(statement, field))) * 2.5);
+        return countOf(float(sqlite3_column_double(statement, field)));
+    }
+
+    // dB x 2.5, halves to even, as a 16-bit count; kNoLevel for a value out of range.
+    static qint16 countOf(float level)
+    {
+        const double counts = std::nearbyint(double(level) * 2.5);
         if (!(counts > kNoLevel && counts <= std::numeric_limits<qint16>::max()))
             return kNoLevel;
         return qint16(counts);

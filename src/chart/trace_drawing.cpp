@@ -32,6 +32,7 @@ void ChartPainter::paintTraces()
     } else {
         paintStored();
     }
+    paintComparison();
 }
 
 namespace {

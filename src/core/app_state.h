@@ -12,12 +12,14 @@
 inline const QString kTitle = QStringLiteral("DELFOR - V3.00");
 inline const QString kOfflineSuffix = QStringLiteral("       Offline");
 
-// Indexes 1..13 of the two colour lists; colours are 0xBBGGRR.
+// Indexes 1..14 of the two colour lists; colours are 0xBBGGRR. The compared trace's colour came
+// last, after the first thirteen.
 enum ColourRole {
     AmbientHColour = 1, AmbientVColour, GridColour, DecadeColour, LimitColour, LossGainColour,
-    SampleColour, MaxholdColour, AverageColour, MemoryColour, QPeakColour, CursorAColour, CursorBColour
+    SampleColour, MaxholdColour, AverageColour, MemoryColour, QPeakColour, CursorAColour, CursorBColour,
+    CompareColour
 };
-using ColourList = std::array<quint32, 14>; // index 0 unused
+using ColourList = std::array<quint32, 15>; // index 0 unused
 
 ColourList defaultColours();
 

@@ -13,7 +13,9 @@ namespace {
 
 const QByteArray kMagic = QByteArrayLiteral("def04");
 constexpr qsizetype kMagicSize = 5;
-constexpr qint64 kFileSize = 335;
+// The first 335 bytes are the original layout; the two colours of the compared trace follow, so
+// that an older file keeps their defaults and an older reader passes them over.
+constexpr qint64 kFileSize = 343;
 constexpr int kPathSize = 200;
 const QString kLoadTitle = QStringLiteral("Load default settings");
 const QString kLoadText = QStringLiteral("Generate new default settings");
@@ -125,6 +127,8 @@ void walkFields(Io &io, AppState &s)
     for (int i = AmbientHColour; i <= CursorBColour; ++i)
         io.number(s.printColours[i]);
     io.number(s.chart.showKnownBands);
+    io.number(s.screenColours[CompareColour]);
+    io.number(s.printColours[CompareColour]);
 }
 
 // What a missing or broken file leaves: colours and all other fields keep what they hold.

@@ -1,6 +1,7 @@
 #pragma once
 // setting.def: window geometry, mode, port, database path, colours and the known-bands flag,
-// kept between runs in a 335-byte little-endian file in the data folder.
+// kept between runs in a 343-byte little-endian file in the data folder (the compared trace's colours
+// after the original 335 bytes).
 
 #include "core/context.h"
 

@@ -1,5 +1,6 @@
 #include "forms/main_frame.h"
 
+#include "chart/comparison_command.h"
 #include "forms/app.h"
 #include "forms/autost.h"
 #include "forms/boxcom.h"
@@ -204,6 +205,15 @@ void MainFrame::buildMenu()
     mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
     item(mnusave_, "mnussettings", QStringLiteral("&Settings"), &MainFrame::openSaveset);
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
+    // A second stored file over the chart; "End comparison" is there only while one is compared.
+    const auto comparison = [this](void (*command)(Context &)) {
+        return [this, command] {
+            command(ctx_);
+            action("mnucompareend")->setEnabled(!ctx_.state.chart.comparePath.isEmpty());
+        };
+    };
+    item(data, "mnucompare", QStringLiteral("&Compare with..."), comparison(compareWithCommand));
+    item(data, "mnucompareend", QStringLiteral("E&nd comparison"), comparison(endComparisonCommand))->setEnabled(false);
     item(data, "mnuprint", QStringLiteral("&Print"), &MainFrame::openSetprn);
     // The dialogs of the equipment catalogue; the editors on the chart's equipment tab reload after them.
     QMenu *equipment = menu(data, "mnuequipment", QStringLiteral("&Equipment"));

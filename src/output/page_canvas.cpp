@@ -82,10 +82,8 @@ void PageCanvas::line(double x1, double y1, double x2, double y2, quint32 colour
     const QPointF a = toDevice(x1, y1), b = toDevice(x2, y2);
     if (!finite(a) || !finite(b) || !ready())
         return;
-    static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine};
     const double dot = std::max(1.0, device_.logicalDpiX() / kDotsPerInch);
-    painter_.setPen(QPen(bgrColour(colour), penWidth_ * dot, kStyles[style_ >= 0 && style_ <= 2 ? style_ : 0],
-                         Qt::FlatCap));
+    painter_.setPen(linePen(colour, penWidth_ * dot, style_, a, b, dashRun_));
     painter_.drawLine(a, b);
 }
 

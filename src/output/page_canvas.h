@@ -7,6 +7,7 @@
 // The painter begins with the first thing drawn and a new page is begun only when something is
 // drawn on it, so that an orientation set after `newPage` is the new page's.
 
+#include "chart/image_canvas.h"
 #include "output/report_canvas.h"
 
 #include <QFont>
@@ -67,6 +68,7 @@ private:
     bool ok_ = true;
     bool pagePending_ = false;
     int penWidth_ = 1, style_ = Solid;
+    DashRun dashRun_;
     quint32 foreColour_ = 0;
     double textX_ = 0.0, textY_ = 0.0;
     double left_ = 0.0, top_ = 0.0, scaleWidth_ = 1.0, scaleHeight_ = 1.0;

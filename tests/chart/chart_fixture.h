@@ -29,7 +29,7 @@ struct ChartFixture {
           painter(ctx, picture1, picture2, picture3, controls)
     {
         // Colours of their own, so that each line tells its role (some defaults are shared).
-        for (int role = AmbientHColour; role <= CursorBColour; ++role)
+        for (int role = AmbientHColour; role <= CompareColour; ++role)
             ctx.state.screenColours[role] = 0x10000u * role + 0x40u;
     }
 

@@ -44,10 +44,11 @@ void put(QByteArray &image, int offset, T value)
     qToLittleEndian(value, image.data() + offset);
 }
 
-// A 335-byte image built at the offsets of the file's layout, independent of the code under test.
+// A 343-byte image built at the offsets of the file's layout, independent of the code under test:
+// the original 335 bytes, then the compared trace's two colours at their defaults.
 QByteArray handBuiltImage(const QByteArray &magic, qint16 comPort, qint32 baudRate, const QByteArray &path)
 {
-    QByteArray image(335, '\0');
+    QByteArray image(343, '\0');
     image.replace(0, 5, magic);
     image[5] = 0;
     put<qint16>(image, 6, 0);    // grafik window state
@@ -67,6 +68,8 @@ QByteArray handBuiltImage(const QByteArray &magic, qint16 comPort, qint32 baudRa
         put<quint32>(image, 281 + 4 * i, 0xFF0000u - quint32(i));
     }
     put<qint16>(image, 333, -1); // showKnownBands
+    put<quint32>(image, 335, defaultColours()[CompareColour]);
+    put<quint32>(image, 339, defaultColours()[CompareColour]);
     return image;
 }
 
@@ -138,6 +141,8 @@ void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
     out.ctx.attachFrame(&forms);
     // Port 5 after a search without result is written like any other; a Latin-1 path in Latin-1.
     setStateOfImage(out.ctx.state, forms.geometry, 5, 115200, "/home/j\u00F6rg/default.sqlite");
+    out.ctx.state.screenColours[CompareColour] = 0x0A0B0C;
+    out.ctx.state.printColours[CompareColour] = 0x0D0E0F;
     out.prompts->answerMessage("Exit Program", MsgAnswer::Yes);
     writeSettingsFile(out.ctx);
 
@@ -148,7 +153,10 @@ void SettingsFileTest::writtenFileHasTheLayoutAndReadsBack()
     QCOMPARE(written.size(), 400);
     for (int offset = 0; offset < 335; ++offset)
         QVERIFY2(written[offset] == expected[offset], qPrintable(QString("byte %1 differs").arg(offset)));
-    QCOMPARE(written.mid(335), QByteArray(65, 'x'));
+    // The compared trace's screen and printer colours follow the original layout.
+    QCOMPARE(qFromLittleEndian<quint32>(written.constData() + 335), 0x0A0B0Cu);
+    QCOMPARE(qFromLittleEndian<quint32>(written.constData() + 339), 0x0D0E0Fu);
+    QCOMPARE(written.mid(343), QByteArray(57, 'x'));
 
     Fixture in(dir.path());
     readSettingsFile(in.ctx);
@@ -178,31 +186,36 @@ void SettingsFileTest::readTakesWhatTheFileHolds_data()
     QTest::addColumn<QString>("databasePath"); // "*" is the default in the data folder
     QTest::addColumn<qint16>("grafikWidth");
     QTest::addColumn<quint32>("gridColour");
+    QTest::addColumn<quint32>("compareColour");
 
     const QByteArray good = handBuiltImage("def04", 4, 38400, "/data/x.sqlite");
     const quint32 defaultGrid = defaultColours()[GridColour];
     const quint32 fileGrid = 0x010203u * GridColour;
+    // The original 335 bytes leave the compared trace's colour as it was; the colours behind them are read.
+    const quint32 defaultCompare = defaultColours()[CompareColour];
+    QByteArray compareColours(8, '\0');
+    qToLittleEndian<quint32>(0xABCDEF, compareColours.data());
     // Before each read the state holds comPort 3, baudRate 4800, emcMode 0, the path "before"
     // and grafikWidth 100, so "left as it was" shows.
     QTest::newRow("missing") << Place::Missing << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
-                             << qint16(7200) << defaultGrid;
+                             << qint16(7200) << defaultGrid << defaultCompare;
     QTest::newRow("empty") << Place::File << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
-                           << qint16(7200) << defaultGrid;
+                           << qint16(7200) << defaultGrid << defaultCompare;
     QTest::newRow("foreign magic") << Place::File << handBuiltImage("def03", 4, 38400, "/data/x.sqlite") << true
-                                   << qint16(2) << 19200 << quint8(0) << "*" << qint16(7200) << defaultGrid;
+                                   << qint16(2) << 19200 << quint8(0) << "*" << qint16(7200) << defaultGrid << defaultCompare;
     QTest::newRow("short, ends inside baudRate") << Place::File << good.left(27) << false << qint16(4) << 4800
-                                                 << quint8(2) << "before" << qint16(9000) << defaultGrid;
+                                                 << quint8(2) << "before" << qint16(9000) << defaultGrid << defaultCompare;
     QTest::newRow("short, ends inside the colours") << Place::File << good.left(243) << false << qint16(4) << 38400
-                                                    << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
-    QTest::newRow("whole") << Place::File << good << false << qint16(4) << 38400 << quint8(2) << "/data/x.sqlite"
-                           << qint16(9000) << fileGrid;
-    QTest::newRow("longer, tail ignored") << Place::File << good + QByteArray(1000, '\xFF') << false << qint16(4) << 38400
-                                          << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid;
+                                                    << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid << defaultCompare;
+    QTest::newRow("the original 335 bytes") << Place::File << good.left(335) << false << qint16(4) << 38400 << quint8(2) << "/data/x.sqlite"
+                           << qint16(9000) << fileGrid << defaultCompare;
+    QTest::newRow("longer, tail ignored") << Place::File << good.left(335) + compareColours + QByteArray(1000, '\xFF') << false << qint16(4) << 38400
+                                          << quint8(2) << "/data/x.sqlite" << qint16(9000) << fileGrid << 0xABCDEFu;
     // A pipe would block the start for ever; a folder cannot be read.
     QTest::newRow("named pipe") << Place::NamedPipe << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
-                                << qint16(7200) << defaultGrid;
+                                << qint16(7200) << defaultGrid << defaultCompare;
     QTest::newRow("folder") << Place::Folder << QByteArray() << true << qint16(2) << 19200 << quint8(0) << "*"
-                            << qint16(7200) << defaultGrid;
+                            << qint16(7200) << defaultGrid << defaultCompare;
 }
 
 void SettingsFileTest::readTakesWhatTheFileHolds()
@@ -216,6 +229,7 @@ void SettingsFileTest::readTakesWhatTheFileHolds()
     QFETCH(QString, databasePath);
     QFETCH(qint16, grafikWidth);
     QFETCH(quint32, gridColour);
+    QFETCH(quint32, compareColour);
 
     QTemporaryDir dir;
     const QString file = dir.filePath("setting.def");
@@ -235,6 +249,7 @@ void SettingsFileTest::readTakesWhatTheFileHolds()
     QCOMPARE(s.databasePath, databasePath == "*" ? dir.path() + "/default.sqlite" : databasePath);
     QCOMPARE(s.geometry.grafikWidth, grafikWidth);
     QCOMPARE(s.screenColours[GridColour], gridColour);
+    QCOMPARE(s.screenColours[CompareColour], compareColour);
     // A missing file is created empty by the read, so the next start finds an empty file.
     if (place == Place::Missing || place == Place::File)
         QCOMPARE(contents(file), bytes);

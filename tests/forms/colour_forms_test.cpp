@@ -74,6 +74,7 @@ void ColourFormsTest::colourButton_data()
     QTest::newRow("screen sample") << 5 << int(SampleColour) << false << false;
     QTest::newRow("printer ambient H") << 17 << int(AmbientHColour) << true << false;
     QTest::newRow("printer cursor B") << 14 << int(CursorBColour) << true << false;
+    QTest::newRow("printer compare") << 28 << int(CompareColour) << true << false;
     QTest::newRow("screen grid, cancelled") << 1 << int(GridColour) << false << true;
 }
 
@@ -90,7 +91,7 @@ void ColourFormsTest::colourButton()
     ColourList &list = printer ? b.state().printColours : b.state().screenColours;
     const quint32 expected = cancel ? list[role] : picked;
     QDialog *colordef = openColordef(b);
-    for (int number = 1; number <= 26; ++number)
+    for (int number = 1; number <= 28; ++number)
         QVERIFY(colordef->findChild<QPushButton *>(QStringLiteral("Command%1").arg(number)));
     QVERIFY(labelShows(colordef, button, list[role]));
     b.state().repaintRequest = 0;

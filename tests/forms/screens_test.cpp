@@ -1,5 +1,6 @@
 // The program as the user sees it: live traces from the simulated analyser, also after the front
-// moved it to another span, a stored .mes file and a stored .emc run, each drawn on screen and checked for its trace colours. The window
+// moved it to another span, a stored .mes file, one compared with an earlier one, and a stored .emc
+// run, each drawn on screen and checked for its trace colours. The window
 // images are kept in the build folder (screenshots/) to be looked at.
 
 #include "frame_bench.h"
@@ -101,6 +102,7 @@ void ScreensTest::screens_data()
     QTest::newRow("limits") << "limits" << quint32(0x008000);
     QTest::newRow("panel") << "panel" << quint32(0x008000);
     QTest::newRow("cursors") << "cursors" << quint32(0x008000);
+    QTest::newRow("compare") << "compare" << quint32(0x008000);
 }
 
 // The panel's lists picked as the user picks them: unit, configuration with "Correction On",
@@ -180,17 +182,29 @@ void ScreensTest::screens()
         zoomAndPlaceCursors(b);
     const bool emc = source == "emc" || source == "results";
     const QString file = b.folder.path() + "/screen." + (emc ? "emc" : "mes");
-    if (source == "mes") {
+    const QString before = b.folder.path() + "/before.mes";
+    if (source == "compare") {
+        // Before: the device's emissions; after: the device switched off, only the broadcasts stay.
+        b.prompts().answerFile("Select Measurement", before);
+        b.trigger("mnusmeasurement");
+        b.sim.analyser.scene.setDeviceOn(false);
+        b.click("Command2");
+    }
+    if (source == "mes" || source == "compare") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnusmeasurement");
     } else if (emc) {
         writeEmcRun(b, file, source == "results");
     }
-    if (source == "mes" || emc) {
+    if (source == "mes" || emc || source == "compare") {
         b.prompts().answerFile("Select Measurement", file);
         b.trigger("mnulmeasure");
         QCOMPARE(b.state().traceFrozen, quint8(1));
         QCOMPARE(int(b.state().emcMode), emc ? 2 : 0);
+    }
+    if (source == "compare") {
+        b.prompts().answerFile("Compare with", before);
+        b.trigger("mnucompare");
     }
     QCoreApplication::processEvents();
     if (source != "cursors") { // a repaint would take the cursors' readouts back to their places
@@ -209,6 +223,8 @@ void ScreensTest::screens()
         QCOMPARE(table->rowCount(), 21); // every 48th row of 971
         QCOMPARE(table->item(0, 4)->text(), QStringLiteral("FAIL"));
     }
+    if (source == "compare")
+        QVERIFY(pixelsOf(plot, b.state().screenColours[CompareColour]) > 200); // the dashed trace before
     if (source == "limits") {
         QCOMPARE(b.state().unitName, QStringLiteral("dBuV/m"));
         QVERIFY(pixelsOf(plot, b.state().screenColours[MaxholdColour]) > 200); // the max hold limit

@@ -78,7 +78,7 @@ void StartupTest::savedSettingsAndModeComeBackAtNextStart()
     b.trigger("mnuBeenden");
     QVERIFY(!b.frame->isVisible());
     QVERIFY(!b.sim.port->isOpen());
-    QCOMPARE(QFileInfo(b.settingsPath()).size(), 335);
+    QCOMPARE(QFileInfo(b.settingsPath()).size(), 343);
 
     b.prompts().shown.clear();
     b.state().traces.sampleTrace[5] = 123;

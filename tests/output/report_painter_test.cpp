@@ -9,6 +9,7 @@
 #include "output/report_painter.h"
 
 #include <QTest>
+#include <algorithm>
 
 using Op = RecordingCanvas::Op;
 
@@ -46,6 +47,8 @@ private slots:
     void notesPages_data();
     void notesPages();
     void blackPage();
+    void comparedTrace_data();
+    void comparedTrace();
 };
 
 void ReportPainterTest::pageScale_data()
@@ -199,6 +202,42 @@ void ReportPainterTest::blackPage()
         QCOMPARE(o.colour, quint32(0));
     QVERIFY(b.page.printed().contains(QStringLiteral("      RBW: 1000kHz")));
     QVERIFY(b.page.printed().contains(QStringLiteral("Unit: dBmW")));
+}
+
+void ReportPainterTest::comparedTrace_data()
+{
+    QTest::addColumn<quint8>("inColour");
+    QTest::addColumn<bool>("print");
+    QTest::addColumn<quint32>("expected");
+    QTest::newRow("printed in its printer colour") << quint8(1) << true << quint32(0x123456);
+    QTest::newRow("printed black") << quint8(0) << true << quint32(0);
+    QTest::newRow("preview in its printer colour") << quint8(1) << false << quint32(0x123456);
+}
+
+// The page draws the compared trace dashed, as the chart does, with its legend.
+void ReportPainterTest::comparedTrace()
+{
+    QFETCH(quint8, inColour);
+    QFETCH(bool, print);
+    QFETCH(quint32, expected);
+    Bench b;
+    AppState &s = b.ctx.state;
+    s.printInColour = inColour;
+    s.printColours[CompareColour] = 0x123456;
+    s.viewLimitMax = s.viewLimitAverage = 0;
+    s.chart.comparePath = QStringLiteral("/bench/before.mes");
+    s.chart.compareTrace = {{100, -20}, {200, -30}, {300, -26}};
+    b.draw(print);
+    QList<QList<double>> dashed;
+    for (const auto &o : b.page.lines())
+        // Not the cursors (dashed too) nor the legend's stretch at the right.
+        if (o.style == Canvas::Dashed && o.colour == expected && o.x1 != o.x2 && o.x1 >= 100000 && o.x2 <= 300000)
+            dashed.append({o.x1, o.y1, o.x2, o.y2});
+    QCOMPARE(dashed, (QList<QList<double>>{{100000, -50, 200000, -75}, {200000, -75, 300000, -65}}));
+    const auto texts = b.page.texts();
+    QVERIFY(std::any_of(texts.begin(), texts.end(), [&](const auto &o) {
+        return o.text == QStringLiteral("before.mes") && o.colour == expected;
+    }));
 }
 
 QTEST_MAIN(ReportPainterTest)
