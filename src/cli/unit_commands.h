@@ -23,5 +23,6 @@ int readUnit(Context &ctx, const ReadRequest &request);
 
 // "delfor-cli: <message>" on stderr; gives the exit code 1.
 int fail(const QString &message);
-// Writes the bytes whole to a file, or to standard output for "-".
+// Writes the bytes whole to standard output for "-", otherwise to a file that replaces an old one
+// only when complete.
 bool writeOut(const QString &path, const QByteArray &bytes);

@@ -25,6 +25,7 @@
 #include "link/serial_link.h"
 #include "signal/trace_store.h"
 #include "store/database.h"
+#include "store/measurement_csv.h"
 #include "store/measurement_file.h"
 
 #include <QApplication>
@@ -204,6 +205,7 @@ void MainFrame::buildMenu()
     mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
     item(mnusave_, "mnussettings", QStringLiteral("&Settings"), &MainFrame::openSaveset);
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
+    item(data, "mnuexportcsv", QStringLiteral("Export &CSV..."), [this] { exportCsvCommand(ctx_); });
     item(data, "mnuprint", QStringLiteral("&Print"), &MainFrame::openSetprn);
     // The dialogs of the equipment catalogue; the editors on the chart's equipment tab reload after them.
     QMenu *equipment = menu(data, "mnuequipment", QStringLiteral("&Equipment"));
