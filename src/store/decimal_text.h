@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <charconv>
 
 // Appends the shortest fixed-point text of `value` (a point as decimal mark, 0 to 9 decimals) of
@@ -24,8 +25,22 @@ void appendShortestDecimals(QByteArray &out, double value, ReadsBack readsBack)
     out.append(text, written.ptr - text);
 }
 
-// The shortest decimals that read back as the same 32-bit float.
+// The shortest decimals that read back as the same 32-bit float. The float's own shortest form
+// nearly always is that text and costs one conversion instead of a search; it is taken when it
+// reads back through a double, as a spreadsheet reads it, and has no more decimals than the search
+// would try.
 inline void appendFloat(QByteArray &out, float value)
 {
-    appendShortestDecimals(out, double(value), [value](double read) { return float(read) == value; });
+    const auto readsBack = [value](double read) { return float(read) == value; };
+    char text[64];
+    const auto written = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
+    double read = 0;
+    if (written.ec == std::errc() && std::from_chars(text, written.ptr, read).ec == std::errc() && readsBack(read)) {
+        const char *point = std::find(text, written.ptr, '.');
+        if (written.ptr - point <= 10) { // the point and at most 9 decimals
+            out.append(text, written.ptr - text);
+            return;
+        }
+    }
+    appendShortestDecimals(out, double(value), readsBack);
 }
