@@ -158,6 +158,13 @@ QString saveWhole(const QString &path, const QByteArray &bytes)
     const auto refusal = [&path](const QString &reason) {
         return QStringLiteral("Cannot save ") + path + QStringLiteral(": ") + reason;
     };
+    if (const QFileInfo info(path); info.exists() && !info.isFile()) {
+        // A pipe or a device (/dev/stdout) takes the bytes as they come: there is no old file to keep.
+        QFile device(path);
+        if (!device.open(QIODevice::WriteOnly) || device.write(bytes) != bytes.size() || !device.flush())
+            return refusal(device.errorString());
+        return {};
+    }
     if (const QString obstacle = obstacleToSaving(path); !obstacle.isEmpty())
         return refusal(obstacle);
     QSaveFile file(path);

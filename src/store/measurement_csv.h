@@ -44,8 +44,8 @@ private:
 std::optional<QByteArray> measurementCsv(const QString &path, QString *fault = nullptr);
 
 // Writes `bytes` to `path` through a file beside it that is renamed into place when complete, so
-// that a failure never leaves half a file over an old one. Empty when written, otherwise
-// "Cannot save PATH: reason".
+// that a failure never leaves half a file over an old one; a pipe or a device is written as it is.
+// Empty when written, otherwise "Cannot save PATH: reason".
 QString saveWhole(const QString &path, const QByteArray &bytes);
 
 // The CSV of the measurement file at `path` written to `csvPath`. Empty when written; otherwise why
