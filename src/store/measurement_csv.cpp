@@ -86,8 +86,8 @@ std::optional<QByteArray> readRows(const QString &path, const MeasurementFileSum
         names << QLatin1String(column.stored);
     const QByteArray sql = ("select " + names.join(QLatin1Char(',')) + " from measurement order by frequency").toUtf8();
 
-    sqlite3 *opened = nullptr;
-    sqlite3_open_v2(QFile::encodeName(path).constData(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3 *opened = nullptr; // one thread: no lock around every call
+    sqlite3_open_v2(QFile::encodeName(path).constData(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
     const std::unique_ptr<sqlite3, Close> db(opened);
     sqlite3_stmt *prepared = nullptr;
     if (sqlite3_prepare_v2(db.get(), sql.constData(), -1, &prepared, nullptr) != SQLITE_OK) {
