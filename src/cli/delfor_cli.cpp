@@ -3,6 +3,7 @@
 #include "cli/catalogue_commands.h"
 #include "cli/console_prompts.h"
 #include "cli/emc_command.h"
+#include "cli/export_command.h"
 #include "cli/report_command.h"
 #include "cli/results_command.h"
 #include "cli/unit_commands.h"
@@ -29,6 +30,7 @@ const char kUsage[] =
     "       delfor-cli read [connection options] [--traces sample,average,maxhold,memory] [--csv FILE|-]\n"
     "                       [--mes FILE]\n"
     "       delfor-cli info FILE\n"
+    "       delfor-cli export FILE.mes|FILE.emc --csv OUT.csv|- (--help for more)\n"
     "       delfor-cli emc --test NAME --out FILE.emc [--database FILE] [connection options] [--yes]\n"
     "       delfor-cli limits list|import|export ... (--help for more)\n"
     "       delfor-cli components list|import|export ... (--help for more)\n"
@@ -193,6 +195,8 @@ int main(int argc, char **argv)
         return resultsCommand(arguments.mid(1));
     if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components" || arguments[1] == "tests"))
         return catalogueCommand(arguments.mid(1));
+    if (arguments.size() > 1 && arguments[1] == "export")
+        return exportCommand(arguments.mid(1));
     QString error;
     const auto options = parseOptions(app.arguments(), error);
     if (!options) {

@@ -4,6 +4,7 @@
 #include "link/discovery.h"
 #include "signal/trace_store.h"
 #include "store/database.h"
+#include "store/measurement_csv.h"
 #include "store/measurement_file.h"
 
 #include <QFile>
@@ -19,26 +20,22 @@ bool connected(Context &ctx)
     return ctx.state.online == 1; // otherwise the error box has told why
 }
 
-// One level column: the dB value, or nothing where the trace was not read.
-QString level(const TraceArray &trace, int i, bool wanted)
-{
-    return wanted ? QString::number(trace[i] / 2.5, 'f', 1) : QString();
-}
-
-// The traces as CSV, frequencies in MHz by the rule of the measurement file.
+// The traces as CSV in the columns of a .mes file's export, with the same numbers as the .mes
+// file written from them; a trace that was not read has empty cells.
 QByteArray traceCsv(const AppState &s, const QStringList &traces)
 {
-    QByteArray out = "Frequency,Sample_dBmW,Average_dBmW,Maxhold_dBmW,Memory_dBmW\n";
     const TraceStore &t = s.traces;
+    const auto level = [&](const TraceArray &trace, int i, const char *name) -> std::optional<float> {
+        return traces.contains(QLatin1String(name)) ? std::optional<float>(float(trace[i] / 2.5)) : std::nullopt;
+    };
+    LevelCsv csv(traceCsvColumns());
     for (int i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
-        const QStringList row{QString::number(traceFrequency(s, i), 'f', 6),
-                              level(t.sampleTrace, i, traces.contains("sample")),
-                              level(t.averageTrace, i, traces.contains("average")),
-                              level(t.maxholdTrace, i, traces.contains("maxhold")),
-                              level(t.memoryTrace, i, traces.contains("memory"))};
-        out += row.join(',').toLatin1() + '\n';
+        const std::optional<float> row[] = {traceFrequency(s, i), level(t.sampleTrace, i, "sample"),
+                                            level(t.averageTrace, i, "average"), level(t.maxholdTrace, i, "maxhold"),
+                                            level(t.memoryTrace, i, "memory")};
+        csv.addRow(row);
     }
-    return out;
+    return csv.text();
 }
 
 // The traces just read as a .mes file, in the program's format.
@@ -83,10 +80,10 @@ bool openCliDatabase(Context &ctx, const std::optional<QString> &database)
 
 bool writeOut(const QString &path, const QByteArray &bytes)
 {
+    if (path != "-")
+        return saveWhole(path, bytes).isEmpty();
     QFile file;
-    const bool opened = path == "-" ? file.open(stdout, QIODevice::WriteOnly)
-                                    : (file.setFileName(path), file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    return opened && file.write(bytes) == bytes.size() && file.flush();
+    return file.open(stdout, QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
 }
 
 int identifyUnit(Context &ctx, std::FILE *out)

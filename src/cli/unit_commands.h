@@ -26,5 +26,6 @@ int fail(const QString &message);
 // Opens the working database that --database names (never created) or, without it, the one of the
 // user's data folder; false, with the reason on stderr, when there is none to work on.
 bool openCliDatabase(Context &ctx, const std::optional<QString> &database);
-// Writes the bytes whole to a file, or to standard output for "-".
+// Writes the bytes whole to standard output for "-", otherwise to a file that replaces an old one
+// only when complete.
 bool writeOut(const QString &path, const QByteArray &bytes);

@@ -26,6 +26,7 @@
 #include "link/serial_link.h"
 #include "signal/trace_store.h"
 #include "store/database.h"
+#include "store/measurement_csv.h"
 #include "store/measurement_file.h"
 
 #include <QApplication>
@@ -205,6 +206,7 @@ void MainFrame::buildMenu()
     mnusave_ = menu(data, "mnusave", QStringLiteral("&Save"));
     item(mnusave_, "mnussettings", QStringLiteral("&Settings"), &MainFrame::openSaveset);
     item(mnusave_, "mnusmeasurement", QStringLiteral("&Measurement"), &MainFrame::saveMeasurementClicked);
+    item(data, "mnuexportcsv", QStringLiteral("Export &CSV..."), [this] { exportCsvCommand(ctx_); });
     // A second stored file over the chart; "End comparison" is there only while one is compared.
     const auto comparison = [this](void (*command)(Context &)) {
         return [this, command] {

@@ -1,5 +1,7 @@
 #include "store/catalogue_csv.h"
 
+#include "store/decimal_text.h"
+
 #include <QFile>
 #include <QLocale>
 #include <QSaveFile>
@@ -229,13 +231,9 @@ CsvOutcome importPoints(QSqlDatabase db, const Catalogue &c, const QString &name
 // The shortest text with a point as decimal mark that imports as `stored` again.
 QString roundTripText(float stored, Scale scale)
 {
-    const double shown = scale.shown(stored);
-    for (int decimals = 0; decimals <= 9; ++decimals) {
-        const QString text = QString::number(shown, 'f', decimals);
-        if (scale.stored(text.toDouble()) == stored)
-            return text;
-    }
-    return QString::number(shown, 'g', 17);
+    QByteArray text;
+    appendShortestDecimals(text, scale.shown(stored), [&](double read) { return scale.stored(read) == stored; });
+    return QString::fromLatin1(text);
 }
 
 // Writes the points of head `nr` as the file format has them; the file is replaced only when whole.

@@ -368,18 +368,6 @@ bool writeTraceFile(Context &ctx, const QString &path, QString *failure = nullpt
         failure);
 }
 
-// What stands against saving at `path` before anything is written; empty when nothing does.
-QString obstacleToSaving(const QString &path)
-{
-    const QFileInfo file(path);
-    if (!file.absoluteDir().exists())
-        return QStringLiteral("the folder does not exist");
-    // The new file is renamed over the old one, which a read-only mark alone would not stop.
-    if (file.exists() && !(file.permissions() & QFileDevice::WriteOwner))
-        return QStringLiteral("the file is read-only");
-    return {};
-}
-
 // A measurement file open for reading, with what a read needs of its rows.
 struct OpenedFile {
     std::unique_ptr<SqliteFile> file;
@@ -456,6 +444,17 @@ OpenedFile openForReading(const QString &path, QString &fault)
 }
 
 } // namespace
+
+QString obstacleToSaving(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.absoluteDir().exists())
+        return QStringLiteral("the folder does not exist");
+    // The new file is renamed over the old one, which a read-only mark alone would not stop.
+    if (file.exists() && !(file.permissions() & QFileDevice::WriteOwner))
+        return QStringLiteral("the file is read-only");
+    return {};
+}
 
 QString measurementFilePath(const AppState &s)
 {

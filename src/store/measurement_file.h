@@ -48,6 +48,10 @@ void writeTraceMeasurement(Context &ctx);
 // file, a full disk).
 QString saveTraceMeasurement(Context &ctx);
 
+// What stands against saving a file at `path` by renaming a new one into place, before anything is
+// written ("the folder does not exist", "the file is read-only"); empty when nothing does.
+QString obstacleToSaving(const QString &path);
+
 // Fills Limitlines and the settings row of an .emc file at the start of a run.
 void writeEmcHeader(Context &ctx);
 

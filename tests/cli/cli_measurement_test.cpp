@@ -13,8 +13,8 @@ class CliMeasurementTest : public QObject {
 
 private slots:
     void readWritesMesFileThatInfoDescribes();
-    void infoRefusesOtherFiles_data();
-    void infoRefusesOtherFiles();
+    void refusedFilesGiveTheReason_data();
+    void refusedFilesGiveTheReason();
 };
 
 void CliMeasurementTest::readWritesMesFileThatInfoDescribes()
@@ -23,10 +23,19 @@ void CliMeasurementTest::readWritesMesFileThatInfoDescribes()
     const QString mes = dir.filePath("trace.mes");
     const QString csv = dir.filePath("trace.csv");
     // Trailing blanks of the file name are cut off, as for every measurement file.
-    const CliRun read = cli({"read", "--simulate", "--traces", "sample,maxhold", "--csv", csv, "--mes", mes + "  "});
+    const CliRun read = cli({"read", "--simulate", "--traces", "sample,average,maxhold,memory", "--csv", csv, "--mes",
+                             mes + "  "});
     QCOMPARE(read.err, QString());
     QCOMPARE(read.exitCode, 0);
-    QVERIFY(QFile::exists(csv));
+    // The file's export is what the read wrote: one format, the same numbers.
+    QFile readCsv(csv);
+    QVERIFY(readCsv.open(QIODevice::ReadOnly));
+    const QString written = QString::fromUtf8(readCsv.readAll());
+    for (const QString out : {"-", "/dev/stdout"}) {
+        const CliRun exported = cli({"export", mes, "--csv", out});
+        QCOMPARE(exported.exitCode, 0);
+        QCOMPARE(exported.out, written);
+    }
 
     const CliRun info = cli({"info", mes});
     QCOMPARE(info.exitCode, 0);
@@ -84,7 +93,7 @@ void writeRefusedFile(const QString &path, const QString &kind)
 
 } // namespace
 
-void CliMeasurementTest::infoRefusesOtherFiles_data()
+void CliMeasurementTest::refusedFilesGiveTheReason_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("reason");
@@ -96,17 +105,23 @@ void CliMeasurementTest::infoRefusesOtherFiles_data()
     QTest::newRow("damaged page") << "damaged page" << "is damaged: database disk image is malformed";
 }
 
-void CliMeasurementTest::infoRefusesOtherFiles()
+// info, and export to a file or to standard output, refuse alike and write nothing.
+void CliMeasurementTest::refusedFilesGiveTheReason()
 {
     QFETCH(QString, kind);
     QFETCH(QString, reason);
     QTemporaryDir dir;
     const QString path = dir.filePath("m.mes");
     writeRefusedFile(path, kind);
-    const CliRun r = cli({"info", path});
-    QCOMPARE(r.exitCode, 1);
-    QCOMPARE(r.out, QString());
-    QCOMPARE(r.err, "delfor-cli: " + path + " " + reason + "\n");
+    const QString out = dir.filePath("m.csv");
+    for (const QStringList &args : {QStringList{"info", path}, QStringList{"export", path, "--csv", out},
+                                    QStringList{"export", path, "--csv", "-"}}) {
+        const CliRun r = cli(args);
+        QCOMPARE(r.exitCode, 1);
+        QCOMPARE(r.out, QString());
+        QCOMPARE(r.err, "delfor-cli: " + path + " " + reason + "\n");
+    }
+    QVERIFY(!QFile::exists(out));
 }
 
 QTEST_GUILESS_MAIN(CliMeasurementTest)
