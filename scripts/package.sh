@@ -5,12 +5,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # The package's dependencies are read from the programs by dpkg-shlibdeps (dpkg-dev), which needs file.
 bash scripts/install-deps.sh dpkg-dev file
-# Debian's hardening flags (stack protector, fortified functions, read-only relocations); no -g,
-# since the programs are stripped in the package.
-export CXXFLAGS="$(DEB_CXXFLAGS_MAINT_STRIP=-g dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)"
-export LDFLAGS="$(dpkg-buildflags --get LDFLAGS)"
+# Debian's hardening flags (stack protector, fortified functions, read-only relocations bound at
+# start); no -g, since the programs are stripped in the package.
+export DEB_BUILD_MAINT_OPTIONS=hardening=+all DEB_CXXFLAGS_MAINT_STRIP=-g
 # The install step builds only what it installs, not the tests and benchmarks.
-cmake -S . -B build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_SKIP_INSTALL_ALL_DEPENDENCY=ON >/dev/null
+cmake -S . -B build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_SKIP_INSTALL_ALL_DEPENDENCY=ON \
+      -DCMAKE_CXX_FLAGS="$(dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)" \
+      -DCMAKE_EXE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)" >/dev/null
 cmake --build build-package -j"$(nproc)" --target delfor delfor-cli delfor-sim
 cd build-package
 rm -f delfor_*.deb
