@@ -48,15 +48,6 @@ QStringList headers(const std::vector<CsvColumn> &columns)
     return names;
 }
 
-// An .emc file has a mode other than 0 in its settings row; a file without one is taken as a .mes file.
-bool isEmcFile(const MeasurementFileSummary &summary)
-{
-    for (const auto &[column, value] : summary.settings)
-        if (column.compare(QLatin1String("mode"), Qt::CaseInsensitive) == 0)
-            return value.toInt() != 0;
-    return false;
-}
-
 struct Close {
     void operator()(sqlite3 *db) const { sqlite3_close(db); }
     void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }

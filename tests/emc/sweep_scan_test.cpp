@@ -292,7 +292,7 @@ private slots:
         const QList<double> emitters{36.0, 48.0, 60.0, 42.36, 55.8};
         // Each polarisation's sweep fills every row and holds comb and carriers; its ambient the
         // carriers only.
-        for (const QString &polarisation : {"H", "V"}) {
+        for (const QString polarisation : {"H", "V"}) {
             const QStringList memory = b.column(polarisation + "_memory_dBmW"),
                               background = b.column("ambient_" + polarisation + "_dBmW");
             QVERIFY(std::all_of(memory.begin(), memory.end(), [](const QString &v) { return v.toDouble() > -200; }));
