@@ -320,6 +320,11 @@ void ScreensTest::sweepStepRun()
     QVERIFY(pixelsOf(plot, b.state().screenColours[MemoryColour]) > 1000); // the sweep line
     QDir().mkpath(QCoreApplication::applicationDirPath() + "/screenshots");
     b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/sweep-step-run-done.png");
+    // Its result table: the run's stepped rows, worst margin first.
+    tabs->setCurrentWidget(grafik->findChild<QWidget *>(QStringLiteral("resultTable"))->parentWidget());
+    auto *table = grafik->findChild<QTableWidget *>(QStringLiteral("resultTable"));
+    QVERIFY(table->rowCount() > 5);
+    b.frame->grab().save(QCoreApplication::applicationDirPath() + "/screenshots/sweep-step-results.png");
     QVERIFY(b.prompts().unexpected.isEmpty());
 }
 
