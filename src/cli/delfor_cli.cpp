@@ -191,6 +191,10 @@ int main(int argc, char **argv)
     // As the program names itself, so that the data folder is the program's.
     QCoreApplication::setApplicationName(QStringLiteral("delfor"));
     const QStringList arguments = app.arguments();
+    if (arguments.size() == 2 && (arguments[1] == "--help" || arguments[1] == "-h" || arguments[1] == "help")) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
     if (arguments.size() > 1 && arguments[1] == "results")
         return resultsCommand(arguments.mid(1));
     if (arguments.size() > 1 && (arguments[1] == "limits" || arguments[1] == "components" || arguments[1] == "tests"))

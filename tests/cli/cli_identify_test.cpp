@@ -13,6 +13,7 @@ private slots:
     void identifiesSimulatedModel();
     void refusesBadArguments_data();
     void refusesBadArguments();
+    void helpListsTheSubcommands();
     void missingPortIsOpenError();
     void readPrintsTraceAsCsv();
     void readWritesCsvFileWithWantedColumns();
@@ -65,6 +66,17 @@ void CliIdentifyTest::refusesBadArguments()
     QVERIFY2(r.err.contains(message), qPrintable(r.err));
     QVERIFY(r.err.startsWith("usage: delfor-cli "));
     QCOMPARE(r.out, QString());
+}
+
+// --help prints every subcommand on stdout and succeeds.
+void CliIdentifyTest::helpListsTheSubcommands()
+{
+    const CliRun r = cli({"--help"});
+    QCOMPARE(r.exitCode, 0);
+    QCOMPARE(r.err, QString());
+    for (const char *command : {"identify", "read", "info", "export", "results", "limits", "components", "tests", "emc",
+                                "report"})
+        QVERIFY2(r.out.contains(QStringLiteral("delfor-cli ") + command), command);
 }
 
 void CliIdentifyTest::missingPortIsOpenError()
