@@ -1,9 +1,7 @@
 #include "cli/catalogue_commands.h"
 
-#include "cli/console_prompts.h"
-#include "core/clock.h"
+#include "cli/unit_commands.h"
 #include "core/context.h"
-#include "link/qt_serial_port.h"
 #include "store/catalogue_csv.h"
 #include "store/database.h"
 #include "store/sqlite_file.h"
@@ -171,9 +169,7 @@ std::optional<OpenDatabase> openDatabase(const Arguments &a)
         path = *a.database;
         open.file = std::make_unique<SqliteFile>(path);
     } else {
-        open.ctx = std::make_unique<Context>(Platform{std::make_unique<SystemClock>(),
-                                                      std::make_unique<ConsolePrompts>(),
-                                                      std::make_unique<QtSerialPort>()});
+        open.ctx = offlineContext();
         open.ctx->dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
         openWorkingDatabase(*open.ctx);
         path = open.ctx->state.databasePath;

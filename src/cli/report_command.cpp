@@ -1,10 +1,6 @@
 #include "cli/report_command.h"
 
-#include "cli/console_prompts.h"
 #include "cli/unit_commands.h"
-#include "core/clock.h"
-#include "link/qt_serial_port.h"
-#include "output/logic_wiring.h"
 #include "output/report_output.h"
 #include "store/measurement_file.h"
 
@@ -72,12 +68,8 @@ int reportCommand(const QStringList &args)
         fail(error);
         return 2;
     }
-    Platform platform;
-    platform.prompts = std::make_unique<ConsolePrompts>();
-    platform.clock = std::make_unique<SystemClock>();
-    platform.port = std::make_unique<QtSerialPort>(); // never opened
-    Context ctx(std::move(platform));
-    attachLogic(ctx);
+    const auto owned = offlineContext();
+    Context &ctx = *owned;
     AppState &s = ctx.state;
     s.measurementFileName = o->file;
     if (const QString fault = readMeasurementFile(ctx); !fault.isEmpty())

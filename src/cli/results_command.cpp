@@ -1,11 +1,7 @@
 #include "cli/results_command.h"
 
 #include "chart/comparison_trace.h"
-#include "cli/console_prompts.h"
 #include "cli/unit_commands.h"
-#include "core/clock.h"
-#include "link/qt_serial_port.h"
-#include "output/logic_wiring.h"
 #include "output/result_table.h"
 
 #include <cstdio>
@@ -103,12 +99,8 @@ int resultsCommand(const QStringList &args)
         std::fputs(kResultsUsage, stdout);
         return 0;
     }
-    Platform platform;
-    platform.prompts = std::make_unique<ConsolePrompts>();
-    platform.clock = std::make_unique<SystemClock>();
-    platform.port = std::make_unique<QtSerialPort>(); // never opened
-    Context ctx(std::move(platform));
-    attachLogic(ctx);
+    const auto owned = offlineContext();
+    Context &ctx = *owned;
     if (!openCliDatabase(ctx, o->database))
         return 1;
     std::optional<std::vector<ComparisonPoint>> compared;

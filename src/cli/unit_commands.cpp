@@ -1,5 +1,10 @@
 #include "cli/unit_commands.h"
 
+#include "cli/console_prompts.h"
+#include "core/clock.h"
+#include "link/qt_serial_port.h"
+#include "output/logic_wiring.h"
+
 #include "link/commands.h"
 #include "link/discovery.h"
 #include "signal/trace_store.h"
@@ -76,6 +81,14 @@ bool openCliDatabase(Context &ctx, const std::optional<QString> &database)
         return false;
     }
     return true;
+}
+
+std::unique_ptr<Context> offlineContext()
+{
+    auto ctx = std::make_unique<Context>(Platform{std::make_unique<SystemClock>(), std::make_unique<ConsolePrompts>(),
+                                                  std::make_unique<QtSerialPort>()});
+    attachLogic(*ctx);
+    return ctx;
 }
 
 bool writeOut(const QString &path, const QByteArray &bytes)

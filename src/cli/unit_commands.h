@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 struct ReadRequest {
@@ -26,6 +27,9 @@ int fail(const QString &message);
 // Opens the working database that --database names (never created) or, without it, the one of the
 // user's data folder; false, with the reason on stderr, when there is none to work on.
 bool openCliDatabase(Context &ctx, const std::optional<QString> &database);
+// A context without an analyser, for the commands on files and the catalogue: console prompts, the
+// system clock, a port that is never opened, and the program's logic attached.
+std::unique_ptr<Context> offlineContext();
 // Writes the bytes whole to standard output for "-", otherwise to a file that replaces an old one
 // only when complete.
 bool writeOut(const QString &path, const QByteArray &bytes);

@@ -78,6 +78,25 @@ void writeEmcRun(FrameBench &b, const QString &path, bool limit = false)
     db.close();
 }
 
+// The program started maximised in EMC mode, on the EMC Test tab `test` picked and the control
+// `control` clicked, then back on the chart.
+GrafikForm *pickEmcTest(FrameBench &b, const QString &test, const char *control)
+{
+    b.frame->resize(1280, 800);
+    b.start();
+    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
+    b.frame->enterEmcMode();
+    GrafikForm *grafik = b.frame->grafik();
+    auto *tabs = grafik->findChild<QTabWidget *>(QStringLiteral("grtab"));
+    tabs->setCurrentIndex(2);
+    auto *tests = grafik->findChild<QComboBox *>(QStringLiteral("testDBCombo1"));
+    tests->setCurrentIndex(tests->findText(test));
+    emit tests->textActivated(tests->currentText());
+    grafik->findChild<QAbstractButton *>(QLatin1String(control))->click();
+    tabs->setCurrentIndex(0);
+    return grafik;
+}
+
 } // namespace
 
 class ScreensTest : public QObject {
@@ -247,18 +266,7 @@ void ScreensTest::screens()
 void ScreensTest::stepRun()
 {
     FrameBench b;
-    b.frame->resize(1280, 800);
-    b.start();
-    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
-    b.frame->enterEmcMode();
-    GrafikForm *grafik = b.frame->grafik();
-    auto *tabs = grafik->findChild<QTabWidget *>(QStringLiteral("grtab"));
-    tabs->setCurrentIndex(2);
-    auto *tests = grafik->findChild<QComboBox *>(QStringLiteral("testDBCombo1"));
-    tests->setCurrentIndex(tests->findText(QStringLiteral("EN 55032 B conducted")));
-    emit tests->activated(tests->currentIndex());
-    grafik->findChild<QRadioButton *>(QStringLiteral("rbw_1"))->click(); // 120 kHz and its step
-    tabs->setCurrentIndex(0);
+    GrafikForm *grafik = pickEmcTest(b, QStringLiteral("EN 55032 B conducted"), "rbw_1"); // 120 kHz and its step
 
     const QString file = b.folder.path() + "/step.emc";
     b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
@@ -291,18 +299,8 @@ void ScreensTest::stepRun()
 void ScreensTest::sweepStepRun()
 {
     FrameBench b(QStringLiteral("K320-A"), SimBench::DeviceBoxes{kDutOffText, kDutOnText});
-    b.frame->resize(1280, 800);
-    b.start();
-    b.frame->findChild<QMdiSubWindow *>()->showMaximized();
-    b.frame->enterEmcMode();
-    GrafikForm *grafik = b.frame->grafik();
+    GrafikForm *grafik = pickEmcTest(b, QStringLiteral("EN 55032 B radiated 3m"), "testCheck4"); // Ambient
     auto *tabs = grafik->findChild<QTabWidget *>(QStringLiteral("grtab"));
-    tabs->setCurrentIndex(2);
-    auto *tests = grafik->findChild<QComboBox *>(QStringLiteral("testDBCombo1"));
-    tests->setCurrentIndex(tests->findText(QStringLiteral("EN 55032 B radiated 3m")));
-    emit tests->textActivated(tests->currentText());
-    grafik->findChild<QCheckBox *>(QStringLiteral("testCheck4"))->click(); // Ambient
-    tabs->setCurrentIndex(0);
 
     const QString file = b.folder.path() + "/sweep.emc";
     b.prompts().answerFile(QStringLiteral("Select Measurement"), file);
