@@ -203,11 +203,8 @@ int main(int argc, char **argv)
         return exportCommand(arguments.mid(1));
     QString error;
     const auto options = parseOptions(app.arguments(), error);
-    if (!options) {
-        std::fputs(kUsage, stderr);
-        fail(error);
-        return 2; // bad arguments
-    }
+    if (!options)
+        return refuseArguments(kUsage, error);
     if (options->command == "info")
         return info(options->file);
     Analyser analyser;

@@ -54,11 +54,8 @@ int exportCommand(const QStringList &args)
 {
     QString error;
     const auto o = parseExport(args, error);
-    if (!o) {
-        std::fputs(kExportUsage, stderr);
-        fail(error);
-        return 2;
-    }
+    if (!o)
+        return refuseArguments(kExportUsage, error);
     if (o->help) {
         std::fputs(kExportUsage, stdout);
         return 0;

@@ -63,11 +63,8 @@ int reportCommand(const QStringList &args)
 {
     QString error;
     const auto o = parseReport(args, error);
-    if (!o) {
-        std::fputs(kReportUsage, stderr);
-        fail(error);
-        return 2;
-    }
+    if (!o)
+        return refuseArguments(kReportUsage, error);
     const auto owned = offlineContext();
     Context &ctx = *owned;
     AppState &s = ctx.state;

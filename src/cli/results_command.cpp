@@ -90,11 +90,8 @@ int resultsCommand(const QStringList &args)
 {
     QString error;
     const auto o = parseResults(args, error);
-    if (!o) {
-        std::fputs(kResultsUsage, stderr);
-        fail(error);
-        return 2;
-    }
+    if (!o)
+        return refuseArguments(kResultsUsage, error);
     if (o->help) {
         std::fputs(kResultsUsage, stdout);
         return 0;

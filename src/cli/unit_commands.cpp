@@ -65,6 +65,13 @@ int fail(const QString &message)
     return 1;
 }
 
+int refuseArguments(const char *usage, const QString &message)
+{
+    std::fputs(usage, stderr);
+    fail(message);
+    return 2;
+}
+
 bool openCliDatabase(Context &ctx, const std::optional<QString> &database)
 {
     ctx.dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);

@@ -24,6 +24,8 @@ int readUnit(Context &ctx, const ReadRequest &request);
 
 // "delfor-cli: <message>" on stderr; gives the exit code 1.
 int fail(const QString &message);
+// Bad arguments: the usage and the message on stderr; gives the exit code 2.
+int refuseArguments(const char *usage, const QString &message);
 // Opens the working database that --database names (never created) or, without it, the one of the
 // user's data folder; false, with the reason on stderr, when there is none to work on.
 bool openCliDatabase(Context &ctx, const std::optional<QString> &database);
