@@ -39,6 +39,12 @@ std::optional<float> measuredLevel(const QVariant &value)
     return level;
 }
 
+// The higher of two recorded levels.
+std::optional<float> higher(std::optional<float> a, std::optional<float> b)
+{
+    return a && b ? std::max(*a, *b) : a ? a : b;
+}
+
 // To the hundredth of a dB, so that float noise neither fails a level right on the limit nor
 // shows as "-0.00" (adding 0.0 turns a negative zero positive).
 double hundredths(double value) { return std::round(value * 100.0) / 100.0 + 0.0; }
@@ -142,8 +148,13 @@ std::optional<ResultTable> readResultTable(Context &ctx, const QString &path, co
             row.detectors[d] = detectorResult(source, kDetectors[d], rows, row.frequency);
             measured = measured || row.detectors[d].level;
         }
+        const auto ambient = higher(measuredLevel(rows.value(QStringLiteral("ambient_h_dbmw"))),
+                                    measuredLevel(rows.value(QStringLiteral("ambient_v_dbmw"))));
+        table.ambient = table.ambient || ambient;
         if (!measured && !request.allRows)
             continue;
+        if (ambient)
+            row.ambient = levelInUnit(*ambient, source.unitOffset);
         row.peak = measuredLevel(rows.value(QLatin1String(kDetectors[PeakResult].overall)));
         if (request.compared && row.peak)
             if (const auto compared = comparedLevel(*request.compared, row.frequency))
@@ -164,6 +175,8 @@ QStringList resultColumns(const ResultTable &table)
                 << name + QStringLiteral("_margin_dB") << name + QStringLiteral("_verdict")
                 << name + QStringLiteral("_polarisation");
     }
+    if (table.ambient)
+        columns << QStringLiteral("Ambient_") + unit;
     if (table.compared)
         columns << QStringLiteral("Difference_dB");
     return columns;
@@ -179,6 +192,8 @@ QStringList resultCells(const ResultTable &table, const ResultRow &row)
         cells << optionalNumber(detector.level) << optionalNumber(detector.limit) << optionalNumber(detector.margin)
               << verdict << detector.polarisation;
     }
+    if (table.ambient)
+        cells << optionalNumber(row.ambient);
     if (table.compared)
         cells << optionalNumber(row.difference);
     return cells;

@@ -1,8 +1,10 @@
 #pragma once
 // The result table of a stored EMC run: for each frequency the detectors measured, the level of
 // peak, quasi-peak and average in the file's display unit, the limit the chart draws there, the
-// margin to it, the verdict and the polarisation that gave the level; sorted worst first. Held
-// against a comparison trace it also gives the difference of the peak to the compared level.
+// margin to it, the verdict and the polarisation that gave the level; sorted worst first. A run
+// that recorded an ambient also gives the ambient there, so that a signal that fails on a
+// broadcast can be told from the device's own. Held against a comparison trace it also gives the
+// difference of the peak to the compared level.
 
 #include "core/app_state.h"
 
@@ -30,12 +32,14 @@ struct ResultRow {
     float frequency = 0; // MHz
     std::array<DetectorResult, ResultDetectorCount> detectors;
     std::optional<float> peak;         // the peak as the file holds it, dB on the dBmW scale
+    std::optional<double> ambient;     // the higher recorded ambient, in the table's unit
     std::optional<double> difference;  // peak - compared level, dB
     std::optional<double> worstMargin() const;
 };
 
 struct ResultTable {
     QString unit;          // the display unit of the levels and limits
+    bool ambient = false;  // the run recorded an ambient: with the ambient column
     bool compared = false; // with the difference column
     std::vector<ResultRow> rows;
 };
@@ -51,7 +55,7 @@ std::optional<ResultTable> readResultTable(Context &ctx, const QString &path, co
                                            QString *fault = nullptr);
 
 // The column names with their units (Frequency_MHz, Peak_dBuV, Peak_limit_dBuV, Peak_margin_dB,
-// Peak_verdict, Peak_polarisation, ..., Difference_dB) and a row's cells under them: numbers with
+// Peak_verdict, Peak_polarisation, ..., Ambient_dBuV, Difference_dB) and a row's cells under them: numbers with
 // a point, empty where there is no value.
 QStringList resultColumns(const ResultTable &table);
 QStringList resultCells(const ResultTable &table, const ResultRow &row);

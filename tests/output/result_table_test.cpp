@@ -19,6 +19,8 @@ private slots:
     void rowsWorstFirst_data();
     void rowsWorstFirst();
     void fileComparedWithItselfGivesZero();
+    void ambientColumn_data();
+    void ambientColumn();
     void refusedFiles_data();
     void refusedFiles();
 
@@ -129,6 +131,41 @@ void ResultTableTest::fileComparedWithItselfGivesZero()
     QCOMPARE(table->rows.size(), size_t(41));
     for (const ResultRow &row : table->rows)
         QCOMPARE(resultCells(*table, row).last(), row.peak ? QStringLiteral("0.00") : QString());
+}
+
+// A run with an ambient gives the higher of its two ambients in the table's unit (dBuV: +107 dB),
+// empty where neither was recorded; a run without one has no such column.
+void ResultTableTest::ambientColumn_data()
+{
+    QTest::addColumn<double>("ambientH");
+    QTest::addColumn<double>("ambientV");
+    QTest::addColumn<QStringList>("cells"); // of the rows at 100 and 200 MHz; none: no column
+    QTest::newRow("horizontal higher") << -50.0 << -60.0 << QStringList{"57.00", ""};
+    QTest::newRow("vertical higher") << -70.0 << -55.5 << QStringList{"51.50", ""};
+    QTest::newRow("vertical only") << -1000.0 << -80.0 << QStringList{"27.00", ""};
+    QTest::newRow("no ambient") << -1000.0 << -1000.0 << QStringList{};
+}
+
+void ResultTableTest::ambientColumn()
+{
+    QFETCH(double, ambientH);
+    QFETCH(double, ambientV);
+    QFETCH(QStringList, cells);
+    EmcResultFile file;
+    EmcResultRow onBroadcast{100, -40, -40, -1000};
+    onBroadcast.ambientH = ambientH;
+    onBroadcast.ambientV = ambientV;
+    file.rows = {onBroadcast, {200, -45, -45, -1000}};
+    QVERIFY(writeEmcResultFile(path("ambient.emc"), file));
+
+    const auto table = readResultTable(fixture.ctx, path("ambient.emc"), {});
+    QVERIFY(table);
+    QCOMPARE(resultColumns(*table).last() == QStringLiteral("Ambient_dBuV"), !cells.isEmpty());
+    QStringList found;
+    for (const ResultRow &row : table->rows)
+        if (table->ambient)
+            found << resultCells(*table, row).last();
+    QCOMPARE(found, cells);
 }
 
 void ResultTableTest::refusedFiles_data()

@@ -23,6 +23,7 @@ struct EmcResultRow {
     double peak, hPeak, vPeak;
     double qpeak = -1000, hQPeak = -1000, vQPeak = -1000;
     double average = -1000, hAverage = -1000, vAverage = -1000;
+    double ambientH = -1000, ambientV = -1000;
 };
 
 struct EmcResultFile {
@@ -68,9 +69,10 @@ inline bool writeEmcResultFile(const QString &path, const EmcResultFile &file)
         for (const EmcResultRow &r : file.rows)
             run(QStringLiteral("insert into Measurement (Frequency, Sample_dBmW, memory_dBmW, Maxhold_dBmW, H_Maxhold_dBmW, "
                                "V_Maxhold_dBmW, QPeak_dBmW, H_QPeak_dBmW, V_QPeak_dBmW, Average_dBmW, H_Average_dBmW, "
-                               "V_Average_dBmW) values (?, 1, -90, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                               "V_Average_dBmW, Ambient_H_dBmW, Ambient_V_dBmW) "
+                               "values (?, 1, -90, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                 {r.frequency, r.peak, r.hPeak, r.vPeak, r.qpeak, r.hQPeak, r.vQPeak, r.average, r.hAverage,
-                 r.vAverage});
+                 r.vAverage, r.ambientH, r.ambientV});
         db.close();
     }
     QSqlDatabase::removeDatabase(QStringLiteral("emc-result"));
