@@ -27,6 +27,8 @@ public:
     virtual void print(const QString &text) = 0;
     // How wide `text` would be printed, in user units of x.
     virtual double textWidth(const QString &text) const = 0;
+    // How tall a line of text is, in user units of y (positive whichever way y runs).
+    virtual double textHeight() const = 0;
 
     // Size of the surface in pixels (device-independent: on a screen at 200 % a pixel here is two
     // of the screen's, and lines and text keep their size).

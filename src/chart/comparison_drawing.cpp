@@ -11,7 +11,6 @@
 namespace {
 
 constexpr double kPlotWidth = 1000000.0;
-constexpr double kLegendRowPixels = 12.0; // one row of the chart's text
 constexpr double kLegendLine = 50000.0;   // the stretch of dashed line before the name
 constexpr double kLegendGap = 10000.0;
 
@@ -47,7 +46,7 @@ void ChartPainter::paintComparisonLegend(quint32 colour)
 {
     const ChartView &v = view();
     const QString name = QFileInfo(v.comparePath).fileName();
-    const double row = (double(v.grafikMax) - v.grafikMin) * kLegendRowPixels / std::max(1, picture1_.pixelHeight());
+    const double row = picture1_.textHeight();
     const double textX = kPlotWidth - kLegendGap - picture1_.textWidth(name);
     const double lineY = v.grafikMax - row;
     picture1_.line(textX - kLegendGap - kLegendLine, lineY, textX - kLegendGap, lineY, colour);

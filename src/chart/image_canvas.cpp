@@ -188,6 +188,11 @@ double ImageCanvas::textWidth(const QString &text) const
     return painter_.fontMetrics().horizontalAdvance(text) / std::abs(scaleX_);
 }
 
+double ImageCanvas::textHeight() const
+{
+    return painter_.fontMetrics().height() / std::abs(scaleY_);
+}
+
 double DashRun::offsetFor(QPointF a, QPointF b, double penWidth)
 {
     if (a != end_)

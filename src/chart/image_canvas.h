@@ -51,6 +51,7 @@ public:
     void setForeColour(quint32 colour) override;
     void print(const QString &text) override;
     double textWidth(const QString &text) const override;
+    double textHeight() const override;
     int pixelWidth() const override { return size_.width(); }
     int pixelHeight() const override { return size_.height(); }
 

@@ -109,6 +109,11 @@ void RecordingCanvas::print(const QString &text)
     record(Op::Print, textX, textY, 0, 0, foreColour, text);
 }
 
+double RecordingCanvas::textHeight() const
+{
+    return kRowPixels * std::abs(scaleHeight) / std::max(1, pixelHeight_);
+}
+
 double RecordingCanvas::textWidth(const QString &text) const
 {
     return double(text.size()) * kCharPixels * scaleWidth / std::max(1, pixelWidth_);

@@ -48,6 +48,9 @@ public:
     void print(const QString &text) override;
     // Every character is taken as kCharPixels wide.
     double textWidth(const QString &text) const override;
+    // A line of text is taken as kRowPixels tall.
+    double textHeight() const override;
+    static constexpr int kRowPixels = 12;
     static constexpr int kCharPixels = 7;
     int pixelWidth() const override { return pixelWidth_; }
     int pixelHeight() const override { return pixelHeight_; }

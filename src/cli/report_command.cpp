@@ -1,5 +1,6 @@
 #include "cli/report_command.h"
 
+#include "chart/comparison_trace.h"
 #include "cli/unit_commands.h"
 #include "output/report_output.h"
 #include "store/measurement_file.h"
@@ -12,10 +13,11 @@ namespace {
 
 const char kReportUsage[] =
     "usage: delfor-cli report FILE.mes|FILE.emc --pdf OUT.pdf [--landscape] [--black] [--headline TEXT] [--notes]\n"
-    "       delfor-cli report FILE.mes|FILE.emc --png OUT.png\n";
+    "                         [--compare OTHER.mes|OTHER.emc]\n"
+    "       delfor-cli report FILE.mes|FILE.emc --png OUT.png [--compare OTHER.mes|OTHER.emc]\n";
 
 struct ReportOptions {
-    QString file, pdf, png, headline;
+    QString file, pdf, png, headline, compare;
     bool landscape = false, black = false, notes = false, headlineGiven = false;
 };
 
@@ -34,6 +36,8 @@ std::optional<ReportOptions> parseReport(const QStringList &args, QString &error
             value(o.pdf);
         else if (arg == "--png")
             value(o.png);
+        else if (arg == "--compare")
+            value(o.compare);
         else if (arg == "--headline") {
             value(o.headline);
             o.headlineGiven = true;
@@ -71,6 +75,9 @@ int reportCommand(const QStringList &args)
     s.measurementFileName = o->file;
     if (const QString fault = readMeasurementFile(ctx); !fault.isEmpty())
         return fail(fault);
+    if (!o->compare.isEmpty())
+        if (const QString fault = compareWith(s.chart, o->compare); !fault.isEmpty())
+            return fail(fault);
     s.printVertical = o->landscape ? 0 : 1;
     s.printInColour = o->black ? 0 : 1;
     s.printNotes = o->notes ? 1 : 0;

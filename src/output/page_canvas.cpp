@@ -111,6 +111,7 @@ void PageCanvas::print(const QString &text)
 }
 
 double PageCanvas::textWidth(const QString &text) const { return metrics().horizontalAdvance(text) / std::abs(scaleX_); }
+double PageCanvas::textHeight() const { return metrics().height() / std::abs(scaleY_); }
 
 int PageCanvas::pixelWidth() const { return device_.width(); }
 int PageCanvas::pixelHeight() const { return device_.height(); }

@@ -38,6 +38,7 @@ public:
     void setForeColour(quint32 colour) override { foreColour_ = colour; }
     void print(const QString &text) override;
     double textWidth(const QString &text) const override;
+    double textHeight() const override;
     int pixelWidth() const override;
     int pixelHeight() const override;
 

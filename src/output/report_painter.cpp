@@ -53,6 +53,7 @@ public:
     void setForeColour(quint32 colour) override { page_.setForeColour(colour); }
     void print(const QString &text) override { page_.print(text); }
     double textWidth(const QString &text) const override { return page_.textWidth(text); }
+    double textHeight() const override { return page_.textHeight(); }
     int pixelWidth() const override { return page_.pixelWidth(); }
     int pixelHeight() const override { return page_.pixelHeight(); }
 
@@ -84,6 +85,7 @@ public:
     void setForeColour(quint32 colour) override { page_.setForeColour(black_ ? kBlack : colour); }
     void print(const QString &text) override { page_.print(text); }
     double textWidth(const QString &text) const override { return page_.textWidth(text); }
+    double textHeight() const override { return page_.textHeight(); }
     int pixelWidth() const override { return page_.pixelWidth(); }
     int pixelHeight() const override { return page_.pixelHeight(); }
 

@@ -107,7 +107,9 @@ void CliReportTest::reportOfStoredFile()
     }
     setFileDate(file);
     const QString pdf = dir.filePath("report.pdf"), png = dir.filePath("chart.png");
-    const CliRun report = cli({"report", file, "--pdf", pdf, "--notes", "--headline", "Run-12-Mains", "--png", png});
+    // Compared with itself: the dashed line in the compare colour lies over the file's own.
+    const CliRun report = cli({"report", file, "--pdf", pdf, "--notes", "--headline", "Run-12-Mains", "--png", png,
+                               "--compare", file});
     QCOMPARE(report.exitCode, 0);
     const QString text = pdfText(pdf);
     QVERIFY2(text.contains("Run-12-Mains"), qPrintable(text));
@@ -116,7 +118,14 @@ void CliReportTest::reportOfStoredFile()
     QVERIFY(text.contains("Notes:"));
     for (const QString &item : expected)
         QVERIFY2(text.contains(item), qPrintable(item));
-    QCOMPARE(QImage(png).size(), QSize(1600, 1000));
+    const QImage chart(png);
+    QCOMPARE(chart.size(), QSize(1600, 1000));
+    int compared = 0;
+    for (int y = 0; y < chart.height(); ++y)
+        for (int x = 0; x < chart.width(); ++x)
+            compared += chart.pixelColor(x, y) == QColor(0xE0, 0x68, 0x00);
+    QVERIFY2(compared > 200, qPrintable(QString::number(compared)));
+    QVERIFY(text.contains("run." + kind)); // the legend names the compared file
 }
 
 void CliReportTest::refused_data()
@@ -129,6 +138,8 @@ void CliReportTest::refused_data()
     QTest::newRow("value missing") << QStringList{"report", "x.mes", "--pdf"} << 2 << "--pdf needs a value";
     QTest::newRow("unknown option") << QStringList{"report", "x.mes", "--pdf", "o.pdf", "--fancy"} << 2 << "unknown argument";
     QTest::newRow("missing file") << QStringList{"report", "/nonexistent/x.mes", "--pdf", "o.pdf"} << 1 << "x.mes";
+    QTest::newRow("compared file missing") << QStringList{"report", "/nonexistent/x.mes", "--pdf", "o.pdf", "--compare"}
+                                           << 2 << "--compare needs a value";
 }
 
 void CliReportTest::refused()
