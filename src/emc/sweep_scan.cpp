@@ -93,27 +93,30 @@ bool waitForSegment(Context &ctx, double began)
     }
 }
 
-// A new row at `f`: -1000 everywhere but in `columns`, which get `v`.
-void addRow(DataView &rows, float f, std::initializer_list<const char *> columns, double v)
+// The columns of a new row, in the order of newRow's values.
+QStringList newRowColumns()
 {
-    if (!rows.addNew())
-        return;
-    rows.setValue(QStringLiteral("Frequency"), double(keyed(f)));
+    QStringList columns{QStringLiteral("Frequency")};
     for (const char *column : kLevelColumns)
-        rows.setValue(QLatin1String(column), kNotMeasured);
-    for (const char *column : columns)
-        rows.setValue(QLatin1String(column), v);
-    rows.update();
+        columns << QLatin1String(column);
+    return columns;
 }
 
-void writeNewRow(const AppState &s, DataView &rows, float f, double v)
+// A new row at `f`: -1000 everywhere but in the round's own columns, which get `v`.
+QVariantList newRow(const AppState &s, float f, double v)
 {
+    QStringList own;
     if (s.ambientRound == 1)
-        addRow(rows, f, {"Ambient_H_dBmW"}, v);
+        own = {QStringLiteral("Ambient_H_dBmW")};
     else if (s.ambientRound == 2)
-        addRow(rows, f, {"Ambient_V_dBmW"}, v);
+        own = {QStringLiteral("Ambient_V_dBmW")};
     else
-        addRow(rows, f, {"Memory_dBmW", s.horizontalRound != 0 ? "H_Memory_dBmW" : "V_Memory_dBmW"}, v);
+        own = {QStringLiteral("Memory_dBmW"), s.horizontalRound != 0 ? QStringLiteral("H_Memory_dBmW")
+                                                                     : QStringLiteral("V_Memory_dBmW")};
+    QVariantList values{double(keyed(f))};
+    for (const char *column : kLevelColumns)
+        values << (own.contains(QLatin1String(column)) ? v : kNotMeasured);
+    return values;
 }
 
 // The row under the cursor takes the segment's value; no frequency is compared.
@@ -268,6 +271,7 @@ void mergeSweep(Context &ctx)
         && !rows.findFirst(QStringLiteral("frequency = ") + frequencyText(s.nextStoreFrequency)))
         return; // the whole segment is dropped
     db.transaction();
+    QList<QVariantList> added; // the new rows, written in one go
     for (qint32 i = 1; i <= s.pointCount && i < kTraceSize; ++i) {
         const float f = spacing * float(i - 1) + s.chart.startFrequency;
         if (kiloHertz(s.storedUpTo) > kiloHertz(f) || kiloHertz(s.nextStoreFrequency) > kiloHertz(f))
@@ -277,7 +281,7 @@ void mergeSweep(Context &ctx)
         if (s.rowsExist == 1)
             editCursorRow(s, rows, v);
         else
-            writeNewRow(s, rows, f, v);
+            added << newRow(s, f, v);
         if (f > s.testStop)
             break; // the first row above the stop is still written
         s.nextStoreFrequency = keyed(f + float(s.stepIncrement));
@@ -288,6 +292,8 @@ void mergeSweep(Context &ctx)
             s.limitStartFrequency = kLimitStartUsed;
         }
     }
+    if (!added.isEmpty())
+        rows.appendRows(newRowColumns(), added);
     db.commit();
 }
 
