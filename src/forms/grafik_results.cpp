@@ -67,7 +67,12 @@ GrafikResults::GrafikResults(Context &ctx, ChartCursors &cursors, QWidget *paren
     connect(all_, &QCheckBox::toggled, this, &GrafikResults::refresh);
     connect(table_->horizontalHeader(), &QHeaderView::sectionClicked, this, &GrafikResults::sortByColumn);
     connect(table_, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { rowDoubleClicked(row); });
-    ctx_.calls.refreshResults = [this] { refresh(); };
+    // Filling reads the whole file: a load or a comparison fills the table only while it is shown,
+    // and the tab fills it when it comes to the front.
+    ctx_.calls.refreshResults = [this] {
+        if (isVisible())
+            refresh();
+    };
 }
 
 GrafikResults::~GrafikResults() { ctx_.calls.refreshResults = nullptr; }

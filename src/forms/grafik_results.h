@@ -2,8 +2,8 @@
 // The tab "Results" of grafik: the result table of the stored EMC run shown (resultTable), with
 // "All rows" (resultAll) for every row of the file and, while a file is compared, the difference
 // column. A double click on a row puts cursor A on its frequency. It is filled anew when the tab
-// comes to the front and through the hook refreshResults (a file shown, a run ended, a comparison
-// changed).
+// comes to the front and, while it is shown, through the hook refreshResults (a file shown, a run
+// ended, a comparison changed).
 
 #include <QWidget>
 
