@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr double kNotMeasured = -1000.0;
 
 // The overall column of a detector and its columns of the two polarisation rounds.
 struct DetectorColumns {

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr double kNotMeasured = -1000.0;
 constexpr float kLimitStartUsed = 100000.0f;
 // The segment wait yields the event queue and lets this much time pass between its looks.
 constexpr double kWaitSlice = 0.05;

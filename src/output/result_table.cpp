@@ -27,9 +27,6 @@ const std::array<DetectorColumns, ResultDetectorCount> kDetectors = {{
     {"Average", "average_dbmw", "h_average_dbmw", "v_average_dbmw", LimitKind::Average},
 }};
 
-// -1000 in a level column: nothing was measured there.
-constexpr double kNotMeasured = -1000.0;
-
 std::optional<float> measuredLevel(const QVariant &value)
 {
     bool isNumber = false;

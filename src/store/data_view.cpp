@@ -271,7 +271,7 @@ QSqlQuery *DataView::prepared(const QString &sql) const
         return &*found;
     QSqlQuery q(m_db);
     if (!q.prepare(sql)) {
-        const_cast<DataView *>(this)->m_error = q.lastError().text();
+        m_error = q.lastError().text();
         return nullptr;
     }
     return &*m_statements.insert(sql, std::move(q));

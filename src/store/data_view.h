@@ -130,7 +130,7 @@ private:
     Mode m_mode = Mode::Browse;
     QVariantList m_pending;
     QSet<int> m_dirty;
-    QString m_error;
+    mutable QString m_error; // also of a statement that a read prepared
 };
 
 // A read-only snapshot or an updatable set of one query.

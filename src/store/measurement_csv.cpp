@@ -18,7 +18,6 @@ namespace {
 const QString kExportTitle = QStringLiteral("Export CSV");
 constexpr int kOpenFlags = 6148;  // path and file must exist, hide read-only
 constexpr int kSaveFlags = 8198;  // overwrite prompt, hide read-only, create prompt
-constexpr float kNothingMeasured = -1000.0f;
 
 // A column of table Measurement and its name in the CSV.
 struct CsvColumn {
@@ -61,7 +60,7 @@ std::optional<float> cellOf(sqlite3_stmt *row, int column, bool emc)
     if (type != SQLITE_FLOAT && type != SQLITE_INTEGER)
         return std::nullopt;
     const float value = float(sqlite3_column_double(row, column));
-    if (!std::isfinite(value) || (emc && column > 0 && value == kNothingMeasured))
+    if (!std::isfinite(value) || (emc && column > 0 && value == float(kNotMeasured)))
         return std::nullopt;
     return value;
 }

@@ -29,6 +29,9 @@ inline constexpr int kTraceFileVersion = 100;
 inline constexpr int kOldEmcFileVersion = 101; // still read, no longer written
 inline constexpr int kEmcFileVersion = 102;
 
+// In a level column of an .emc row: nothing was measured there.
+inline constexpr double kNotMeasured = -1000.0;
+
 // `measurementFileName` as every routine here uses it: trailing blanks cut off.
 QString measurementFilePath(const AppState &s);
 
